@@ -1,0 +1,42 @@
+/// All that differs between Windows and POSIX: starting a process and waiting for it, host texts
+/// as paths, the PATH variable, the names of tshark's executable. No state, no ownership; every
+/// function may be called from any thread.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace KIVRA::TSHARK::PLATFORM {
+
+/// The command interpreter that `run_command_line` starts unless told otherwise:
+/// C:\Windows\system32\cmd.exe, /bin/sh on POSIX.
+extern const char* const default_interpreter;
+
+/// Hands a command line of the form `cmd /c "..."` to the interpreter and waits, without a limit,
+/// until it has ended. Nothing of the host's is inherited: no handle, and on POSIX no signal mask.
+/// The exit status is not read.
+///
+/// On POSIX the text between the outer quotes goes to `sh -c`, with what cmd takes literally and
+/// sh would not ($, ` and \) escaped.
+/// @param command_line UTF-8
+/// @return nothing, or the system's error number when the interpreter could not be started
+std::optional<std::uint32_t> run_command_line(const std::string& command_line,
+                                              const char* interpreter = default_interpreter);
+
+/// A text from the host as a path. Windows: from the file-system code page (UTF-8 when the locale
+/// uses code page 65001, else the ANSI code page, or the OEM one when the process chose it);
+/// POSIX: the bytes as they stand.
+/// @throws std::system_error when the text is not valid in that code page
+std::filesystem::path path_from_narrow(std::string_view text);
+
+/// The PATH variable's value, empty when it is set to nothing; no value when it is not set.
+std::optional<std::string> path_variable();
+
+/// The names that tshark's executable may have in its directory, the preferred one first.
+std::span<const std::string_view> tshark_executable_names();
+
+}  // namespace KIVRA::TSHARK::PLATFORM
