@@ -1,0 +1,65 @@
+#include "analysis/json_intake.h"
+
+#include <array>
+#include <cstdint>
+#include <fstream>
+#include <stdexcept>
+#include <string_view>
+
+#include "profile/result_mapping.h"
+
+namespace KIVRA::TSHARK::ANALYSIS {
+
+namespace {
+
+bool is_packet(const nlohmann::json& value) {
+    const auto source = value.find("_source");
+    return source != value.end() && source->is_object() && source->contains("layers");
+}
+
+}  // namespace
+
+std::string read_output(const std::filesystem::path& file) {
+    std::ifstream stream(file);
+    if (!stream.is_open()) {
+        throw std::runtime_error("cannot open file");
+    }
+    std::string text;
+    std::array<char, 65'536> piece{};
+    do {
+        stream.read(piece.data(), piece.size());
+        text.append(piece.data(), static_cast<std::size_t>(stream.gcount()));
+    } while (stream.good());
+    return text;
+}
+
+std::string number_repeated_names(const std::string& text) {
+    constexpr std::string_view name = R"("gsm_a.gm.sm.pco_pid_tree")";
+    std::string numbered;
+    std::uint8_t counter = 0;
+    std::size_t copied = 0;
+    for (std::size_t found = text.find(name); found != std::string::npos;
+         found = text.find(name, copied)) {
+        ++counter;
+        // The closing quote is left to the next search: it may open the next occurrence.
+        const std::size_t closing_quote = found + name.size() - 1;
+        numbered.append(text, copied, closing_quote - copied);
+        numbered += std::to_string(counter);
+        copied = closing_quote;
+    }
+    numbered.append(text, copied);
+    return numbered;
+}
+
+nlohmann::json take_in(sink_context& context, const std::string& output) {
+    const nlohmann::json parsed = nlohmann::json::parse(number_repeated_names(output));
+    nlohmann::json result;
+    for (const auto& value : parsed) {
+        if (is_packet(value)) {
+            PROFILE::map_packet(context, value, result);
+        }
+    }
+    return result;
+}
+
+}  // namespace KIVRA::TSHARK::ANALYSIS

@@ -1,0 +1,31 @@
+/// tshark's JSON output on its way to the parsers: read, repaired, parsed, and handed on packet by
+/// packet.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "context/sink_context.h"
+
+namespace KIVRA::TSHARK::ANALYSIS {
+
+/// The whole content of a file.
+/// @throws std::runtime_error "cannot open file"
+std::string read_output(const std::filesystem::path& file);
+
+/// Gives each "gsm_a.gm.sm.pco_pid_tree" of the text a name of its own, since tshark repeats the
+/// name inside one object and a JSON object keeps only one member of a name. A number is appended:
+/// 1 for the first in the text, counting on through the whole text in 8 bits, so that the 256th
+/// gets 0 and the 257th 1 again. Texts that are no member names are numbered as well.
+std::string number_repeated_names(const std::string& text);
+
+/// Hands every packet of the output to the per-packet step, in order; whatever has no "_source"
+/// with "layers" is skipped.
+/// @return the result document: null when no packet gave anything
+/// @throws nlohmann::json::parse_error for a text that is no JSON, and what the step throws; no
+///     packet behind the failing one is handed on
+nlohmann::json take_in(sink_context& context, const std::string& output);
+
+}  // namespace KIVRA::TSHARK::ANALYSIS

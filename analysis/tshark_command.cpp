@@ -1,0 +1,21 @@
+#include "analysis/tshark_command.h"
+
+namespace KIVRA::TSHARK::ANALYSIS {
+
+namespace {
+
+std::string utf8(const std::filesystem::path& path) {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+}
+
+}  // namespace
+
+std::string tshark_command(const std::filesystem::path& executable,
+                           const std::filesystem::path& capture,
+                           const std::filesystem::path& output) {
+    return "cmd /c \"\"" + utf8(executable) + "\" -Y \"nas-eps||lte_rrc\" -r \"" + utf8(capture) +
+           "\" -T json > \"" + utf8(output) + "\"\"";
+}
+
+}  // namespace KIVRA::TSHARK::ANALYSIS

@@ -1,0 +1,98 @@
+#include "sink/tshark_discovery.h"
+
+#include <algorithm>
+#include <locale>
+#include <stdexcept>
+#include <string_view>
+#include <system_error>
+
+#include "context/file_status.h"
+#include "platform/platform.h"
+
+namespace KIVRA::TSHARK::SINK {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr auto last_candidate = R"(C:\Program Files)";
+constexpr auto tshark_missing = "tshark not found from path or default installation location";
+constexpr auto installation_missing =
+    "tshark installation not found from path or default installation location";
+
+bool is_searchable(const fs::path& candidate) {
+    std::error_code error;
+    const fs::file_status status = fs::status(candidate, error);
+    if (status.type() == fs::file_type::none) {
+        throw fs::filesystem_error("status", candidate, error);
+    }
+    return fs::is_directory(status);
+}
+
+bool names_an_installation(const fs::path& entry) {
+    constexpr std::u8string_view beginning = u8"wireshark";
+    std::u8string name = entry.filename().u8string().substr(0, beginning.size());
+    std::ranges::transform(name, name.begin(), [](char8_t c) {
+        return static_cast<char8_t>(std::tolower(static_cast<char>(c), std::locale::classic()));
+    });
+    return name == beginning;
+}
+
+/// The installation in a folder, in the order that the file system delivers; empty for none.
+fs::path find_installation(const fs::path& directory) {
+    std::error_code error;
+    fs::directory_iterator entry(directory, error);
+    if (error) {
+        throw fs::filesystem_error("directory_iterator::directory_iterator", directory, error);
+    }
+    for (; entry != fs::directory_iterator(); entry.increment(error)) {
+        if (names_an_installation(entry->path())) {
+            return entry->path();
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+std::vector<fs::path> candidate_directories(const std::string& path_variable) {
+    std::vector<fs::path> candidates;
+    for (std::size_t begin = 0; begin < path_variable.size();) {
+        const std::size_t end = std::min(path_variable.find(';', begin), path_variable.size());
+        if (end != begin) {
+            const auto segment = std::string_view(path_variable).substr(begin, end - begin);
+            candidates.push_back(PLATFORM::path_from_narrow(segment));
+        }
+        begin = end + 1;
+    }
+    candidates.emplace_back(last_candidate);
+    return candidates;
+}
+
+fs::path discover_tshark_directory(const std::optional<std::string>& path_variable) {
+    if (!path_variable) {
+        return {};
+    }
+    for (const auto& candidate : candidate_directories(*path_variable)) {
+        if (!is_searchable(candidate)) {
+            continue;
+        }
+        if (fs::path installation = find_installation(candidate); !installation.empty()) {
+            return installation;
+        }
+    }
+    throw std::runtime_error(installation_missing);
+}
+
+fs::path tshark_executable(const fs::path& directory) {
+    if (!directory.empty()) {
+        for (const std::string_view name : PLATFORM::tshark_executable_names()) {
+            if (fs::path executable = directory / name; entry_exists(executable)) {
+                return executable;
+            }
+        }
+    }
+    throw std::runtime_error(tshark_missing);
+}
+
+}  // namespace KIVRA::TSHARK::SINK
