@@ -6,7 +6,8 @@ function(kivra_embed_operators target json_file)
     cmake_path(ABSOLUTE_PATH json_file)
     set(source "${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp")
     add_custom_command(OUTPUT "${source}"
-        COMMAND "${CMAKE_COMMAND}" "-DINPUT=${json_file}" "-DOUTPUT=${source}" -P "${KIVRA_EMBED_SCRIPT}"
+        COMMAND "${CMAKE_COMMAND}"
+            "-DINPUT=${json_file}" "-DOUTPUT=${source}" -P "${KIVRA_EMBED_SCRIPT}"
         DEPENDS "${json_file}" "${KIVRA_EMBED_SCRIPT}"
         COMMENT "Embedding ${json_file}"
         VERBATIM)
