@@ -1,5 +1,6 @@
 /// The parsers on what four versions of tshark print for the sample captures.
 
+#include <filesystem>
 #include <map>
 #include <string>
 
@@ -43,7 +44,8 @@ results_by_record parse_output_of(const std::string& version) {
         for (const auto& name : TESTING::names_in(folder)) {
             const std::string output =
                 ANALYSIS::number_repeated_names(TESTING::read_file(folder / name));
-            results[trace + '/' + name] = parse_packets(parsers, json::parse(output));
+            results[(std::filesystem::path(trace) / name).generic_string()] =
+                parse_packets(parsers, json::parse(output));
         }
     }
     EXPECT_EQ(results.size(), 29);
