@@ -59,6 +59,7 @@ json names_of(const operator_list& operators, int mcc, int mnc) {
 
 TEST(shipped_operator_list, is_the_file_in_the_tree_with_a_zero_byte_behind) {
     const std::string_view embedded = DATA::embedded_operators();
+    EXPECT_EQ(embedded.size(), 881'584);
     EXPECT_EQ(embedded, TESTING::read_file(TESTING::data_file("../../data/operators.json")));
     EXPECT_EQ(std::string_view(embedded.data(), embedded.size() + 1).back(), '\0');
 }
