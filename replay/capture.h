@@ -18,11 +18,11 @@ struct record {
     /// Microseconds since 1970-01-01.
     std::uint64_t timestamp = 0;
     /// The dissector's name, "ip" for an IP packet; empty when the packet names none.
-    std::string format;
+    std::string format = {};
     /// The message; the capture's, until the next packet is read.
-    std::span<const std::uint8_t> payload;
+    std::span<const std::uint8_t> payload = {};
     /// Why the packet can't be run, when it can't.
-    std::optional<std::string> failure;
+    std::optional<std::string> failure = {};
 };
 
 class capture {

@@ -47,7 +47,7 @@ fs::path find_plugin(const fs::path& program_directory) {
 fs::path find_tshark_directory(std::string_view folders) {
     while (!folders.empty()) {
         const auto end = std::min(folders.find(':'), folders.size());
-        const fs::path folder = folders.substr(0, end);
+        fs::path folder = folders.substr(0, end);
         if (!folder.empty() && holds_tshark(folder)) {
             return folder;
         }

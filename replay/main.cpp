@@ -1,8 +1,8 @@
 /// kivra-replay: a host of the plug-in for the command line. It runs the records of captures
 /// through the plug-in and shows what comes back.
-#include <signal.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
@@ -149,7 +149,7 @@ exit_status run_command_line(int count, const char* const* arguments) {
 int main(int count, char** arguments) {
     using namespace KIVRA::TSHARK::REPLAY;
     // A reader that goes away is noticed as a failed write: the plug-in's files get removed then.
-    static_cast<void>(signal(SIGPIPE, SIG_IGN));
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {
         return run_command_line(count, arguments);
     } catch (const std::exception& error) {

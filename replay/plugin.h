@@ -59,10 +59,10 @@ struct log_message {
 /// What became of a record.
 struct outcome {
     /// The result documents handed back, JSON texts.
-    std::vector<std::string> documents;
-    std::vector<log_message> log;
+    std::vector<std::string> documents = {};
+    std::vector<log_message> log = {};
     /// Why the record failed, when it did.
-    std::optional<std::string> failure;
+    std::optional<std::string> failure = {};
 };
 
 /// An instance of the plug-in's sink; released with the object, and cancelled before that unless it

@@ -25,9 +25,9 @@ std::optional<fs::file_time_type> write_time(const fs::path& file) {
     return missing ? std::nullopt : std::optional(time);
 }
 
-bool is_default(const profile_content::member& member) {
-    return std::ranges::any_of(PROFILE::profile_defaults(), [&](const auto& fixed) {
-        return fixed.name == member.name && fixed.value == member.value;
+bool is_default(const std::string& name, const nlohmann::json& value) {
+    return std::ranges::any_of(PROFILE::profile_defaults(), [&](const auto& member) {
+        return member.name == name && value == member.value;
     });
 }
 
@@ -65,12 +65,11 @@ profile_content profile_file::read() const {
         std::ifstream stream(path_, std::ios::binary);
         const auto profile = nlohmann::json::parse(stream);
         for (const auto& [name, value] : profile.items()) {
-            const profile_content::member member{
-                name, value.is_string() ? value.get<std::string>() : value.dump()};
-            if (is_default(member)) {
+            if (is_default(name, value)) {
                 ++content.defaults;
             } else {
-                content.told.push_back(member);
+                content.told.push_back(
+                    {name, value.is_string() ? value.get<std::string>() : value.dump()});
             }
         }
     } catch (const nlohmann::json::exception& error) {
