@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cerrno>
-#include <new>
 
 #include "platform/platform.h"
 
@@ -20,27 +19,30 @@ namespace {
 class child_descriptors {
   public:
     child_descriptors() {
-        check(posix_spawn_file_actions_init(&actions_));
+        note(posix_spawn_file_actions_init(&actions_));
         for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
             const int access = stream == STDIN_FILENO ? O_RDONLY : O_WRONLY;
-            check(posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", access, 0));
+            note(posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", access, 0));
         }
-        check(posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1));
+        note(posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1));
     }
     ~child_descriptors() { posix_spawn_file_actions_destroy(&actions_); }
     child_descriptors(const child_descriptors&) = delete;
     child_descriptors& operator=(const child_descriptors&) = delete;
 
+    /// The first error number met, or 0.
+    int error() const { return error_; }
     const posix_spawn_file_actions_t* get() const { return &actions_; }
 
   private:
-    static void check(int error) {
-        if (error != 0) {
-            throw std::bad_alloc();  // the only failure that these calls have
+    void note(int error) {
+        if (error_ == 0) {
+            error_ = error;
         }
     }
 
     posix_spawn_file_actions_t actions_{};
+    int error_ = 0;
 };
 
 /// No signal blocked, and those that hosts tend to ignore back at their defaults: an ignored
@@ -100,8 +102,11 @@ std::optional<std::uint32_t> run_command_line(const std::string& command_line,
     const std::array<char*, 4> arguments{name.data(), option.data(), script.data(), nullptr};
 
     pid_t child = 0;
-    const int error = posix_spawn(&child, interpreter, descriptors.get(), signals.get(),
-                                  arguments.data(), environ);
+    int error = descriptors.error();
+    if (error == 0) {
+        error = posix_spawn(&child, interpreter, descriptors.get(), signals.get(), arguments.data(),
+                            environ);
+    }
     if (error != 0) {
         return static_cast<std::uint32_t>(error);
     }

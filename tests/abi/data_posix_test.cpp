@@ -1,0 +1,82 @@
+#include <sys/resource.h>
+
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/files.h"
+#include "tests/support/host.h"
+
+namespace KIVRA::TSHARK {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using TESTING::host;
+using testing::IsEmpty;
+
+class data_on_posix : public TESTING::scratch_test {
+  protected:
+    host host_;
+};
+
+TEST_F(data_on_posix, logs_an_interpreter_that_cannot_be_started_and_succeeds) {
+    ASSERT_EQ(host_.init_with_stand_in("profile.json"), 0);
+    rlimit former{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &former), 0);
+    const rlimit none{0, former.rlim_max};
+    // Where no descriptor is allowed the child can't have its standard streams.
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const auto result = host_.data("nas-eps", "");
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &former), 0);
+    EXPECT_EQ(result, 0);
+    ASSERT_EQ(host_.logs.size(), 1U);
+    EXPECT_EQ(host_.logs.front().level, 5U);
+    EXPECT_EQ(host_.logs.front().message, "invoking tshark failed with error: 9");
+    EXPECT_THAT(host_.texts, IsEmpty());
+    EXPECT_THAT(TESTING::names_in("."), IsEmpty());
+}
+
+TEST_F(data_on_posix, fails_where_the_working_directory_is_gone) {
+    ASSERT_EQ(host_.init_with_stand_in(), 0);
+    fs::create_directory("gone");
+    fs::current_path("gone");
+    fs::remove(scratch() / "gone");
+    EXPECT_EQ(host_.data("nas-eps", ""), 100);
+    EXPECT_THAT(host_.last_error().first, HasSubstr("current_path()"));
+    EXPECT_THAT(host_.logs, IsEmpty());
+}
+
+TEST_F(data_on_posix, works_in_folders_of_any_name_but_one_with_a_double_quote) {
+    const std::string name = "a b&(c);$HOME`id`\\n'%PATH%\xC3\xA4*";
+    fs::create_directory(name);
+    fs::copy(TESTING::stand_in_directory(), fs::path(name) / "tools");
+    fs::current_path(name);
+    TESTING::stand_in_prints("[]");
+    ASSERT_EQ(host_.init({{"tshark_directory", (scratch() / name / "tools").string()}}), 0);
+    EXPECT_EQ(host_.data("nas-eps", ""), 0);
+    EXPECT_EQ(host_.last_error().first, "");
+}
+
+TEST_F(data_on_posix, fails_where_a_double_quote_breaks_the_command_line) {
+    fs::create_directory("a\"b");
+    fs::current_path("a\"b");
+    TESTING::stand_in_prints("[]");
+    ASSERT_EQ(host_.init_with_stand_in(), 0);
+    EXPECT_EQ(host_.data("nas-eps", ""), 100);
+    EXPECT_EQ(host_.last_error().first, "cannot open file");
+}
+
+TEST_F(data_on_posix, fails_when_tshark_has_gone_since_init) {
+    fs::copy(TESTING::stand_in_directory(), "tools");
+    ASSERT_EQ(host_.init({{"tshark_directory", "tools"}}), 0);
+    fs::remove_all("tools");
+    EXPECT_EQ(host_.data("nas-eps", ""), 100);
+    EXPECT_THAT(host_.last_error().first, HasSubstr("parse_error.101"));
+    EXPECT_THAT(TESTING::names_in("."), IsEmpty());
+}
+
+}  // namespace
+}  // namespace KIVRA::TSHARK

@@ -1,0 +1,67 @@
+#include <unistd.h>
+
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "context/file_status.h"
+#include "context/unique_path.h"
+#include "tests/support/files.h"
+
+namespace KIVRA::TSHARK {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::ThrowsMessage;
+
+class file_status : public TESTING::scratch_test {};
+
+/// A name that the system refuses to look up.
+const std::string impossible_name(5000, 'x');
+
+TEST_F(file_status, tells_whether_an_entry_exists) {
+    TESTING::write_file("file", "");
+    EXPECT_TRUE(entry_exists("file"));
+    EXPECT_TRUE(entry_exists("."));
+    EXPECT_FALSE(entry_exists("nothing"));
+    EXPECT_FALSE(entry_exists("file/below"));
+}
+
+TEST_F(file_status, names_the_query_that_failed) {
+    EXPECT_THAT([] { entry_exists(impossible_name); },
+                ThrowsMessage<fs::filesystem_error>(HasSubstr("exists")));
+}
+
+TEST_F(file_status, removes_a_single_entry_and_does_not_mind_a_missing_one) {
+    TESTING::write_file("file", "");
+    remove_entry("file");
+    remove_entry("file");
+    EXPECT_FALSE(entry_exists("file"));
+}
+
+TEST_F(file_status, names_the_removal_that_failed) {
+    fs::create_directories("full/folder");
+    EXPECT_THAT([] { remove_entry("full"); },
+                ThrowsMessage<fs::filesystem_error>(HasSubstr("remove")));
+    EXPECT_TRUE(entry_exists("full/folder"));
+}
+
+TEST_F(file_status, names_the_working_directory_that_is_gone) {
+    fs::create_directory("gone");
+    fs::current_path("gone");
+    fs::remove(scratch() / "gone");
+    EXPECT_THAT([] { working_directory(); },
+                ThrowsMessage<fs::filesystem_error>(HasSubstr("current_path()")));
+    EXPECT_THAT([] { unique_path("tshark", "json"); },
+                ThrowsMessage<fs::filesystem_error>(HasSubstr("current_path()")));
+}
+
+TEST_F(file_status, a_unique_path_too_long_to_query_is_an_error) {
+    EXPECT_THAT([] { unique_path(impossible_name, "json"); },
+                ThrowsMessage<fs::filesystem_error>(HasSubstr("exists")));
+}
+
+}  // namespace
+}  // namespace KIVRA::TSHARK

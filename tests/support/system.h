@@ -1,0 +1,50 @@
+/// What tests need of the operating system.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace KIVRA::TSHARK::TESTING {
+
+/// Sets a variable of this process's environment, or removes it.
+void set_environment(const std::string& name, const std::optional<std::string>& value);
+
+/// Keeps a variable's value and puts it back.
+class environment_guard {
+  public:
+    explicit environment_guard(std::string name);
+    ~environment_guard();
+    environment_guard(const environment_guard&) = delete;
+    environment_guard& operator=(const environment_guard&) = delete;
+
+  private:
+    std::string name_;
+    std::optional<std::string> value_;
+};
+
+/// A dynamic library, loaded by file name.
+class shared_library {
+  public:
+    /// @throws std::runtime_error when it can't be loaded
+    explicit shared_library(const std::filesystem::path& file);
+    ~shared_library();
+    shared_library(const shared_library&) = delete;
+    shared_library& operator=(const shared_library&) = delete;
+
+    /// @throws std::runtime_error when the library has no such symbol
+    template <typename Function>
+    Function* function(const char* name) const {
+        return reinterpret_cast<Function*>(symbol(name));
+    }
+
+  private:
+    void* symbol(const char* name) const;
+
+    void* handle_;
+};
+
+/// The folder of the real tshark.
+std::filesystem::path tshark_directory();
+
+}  // namespace KIVRA::TSHARK::TESTING
