@@ -128,7 +128,8 @@ exit_status replay_captures(const options& wanted) {
     target.complete();
     shown.profile(profile);
     if (!on_terminal) {
-        std::cerr << run.records() << " records, " << run.failed() << " failed\n";
+        std::cerr << run.records() << (run.records() == 1 ? " record, " : " records, ")
+                  << run.failed() << " failed\n";
     }
     return run.status();
 }

@@ -30,21 +30,25 @@ std::variant<options, std::string> read_command_line(int count, const char* cons
     std::vector<std::string> captures;
 
     app.add_option("CAPTURE", captures,
-                   "pcapng or pcap files with exported PDUs (link type 252) or raw IP packets "
-                   "(link types 101, 228, 229)")
-        ->required();
+                   "pcap or pcapng files of exported PDUs or raw IP packets\n"
+                   "(link types 252, 101, 228, 229)")
+        ->required()
+        ->type_name("")
+        ->check(reject_empty);
     app.add_option("--plugin", plugin,
-                   "The plug-in; without it the kivra-tshark-sink.so beside this program, or in "
-                   "../lib/kivra from there")
+                   "The plug-in (default: kivra-tshark-sink.so beside\n"
+                   "this program, or in ../lib/kivra from there)")
         ->type_name("FILE")
         ->check(reject_empty);
     app.add_option("--tshark-directory", tshark_directory,
-                   "The folder that holds tshark; without it the first one on PATH that does")
+                   "The folder of tshark (default: the first on PATH\n"
+                   "that has it)")
         ->type_name("DIR")
         ->check(reject_empty);
-    app.add_option("--profile", profile, "The power-profile parameter file to write")
+    app.add_option("--profile", profile,
+                   "The power-profile parameter file to write\n"
+                   "(default: kivra-profile.json)")
         ->type_name("FILE")
-        ->capture_default_str()
         ->check(reject_empty);
     app.set_version_flag("--version", "kivra-replay " KIVRA_VERSION);
     app.footer(exit_statuses);

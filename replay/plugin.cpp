@@ -25,13 +25,13 @@ void* load(const std::filesystem::path& file) {
     return library;
 }
 
-template <typename FUNCTION>
-FUNCTION* find(void* library, const char* name) {
+template <typename Function>
+Function* find(void* library, const char* name) {
     void* symbol = dlsym(library, name);
     if (symbol == nullptr) {
         fail_to_load();
     }
-    return reinterpret_cast<FUNCTION*>(symbol);
+    return reinterpret_cast<Function*>(symbol);
 }
 
 void expect_success(std::int32_t result, std::string_view function) {

@@ -54,7 +54,7 @@ std::optional<std::string> profile_file::obstacle() const {
         return std::generic_category().message(EISDIR);
     }
     if (fs::exists(path_, missing)) {
-        return why_not(path_, W_OK);
+        return fs::is_regular_file(path_, missing) ? why_not(path_, W_OK) : "not a regular file";
     }
     return why_not(fs::absolute(path_).parent_path() / "", W_OK | X_OK);
 }

@@ -100,10 +100,10 @@ void report::profile(const profile_file& file) {
         out_ << '\n';
         print_content(out_, file.read());
     } else if (const auto obstacle = file.obstacle()) {
-        out_ << ": not written by this run, the path can't be written: " << *obstacle << '\n';
+        out_ << ": not written by this run: the path can't be written (" << *obstacle << ")\n";
     } else {
-        out_ << ": not written by this run, which takes both idrx_int and idrx_reps from its "
-                "records\n";
+        out_ << ": not written by this run: the records did not give both idrx_int and "
+                "idrx_reps\n";
     }
     end_block();
 }

@@ -125,8 +125,8 @@ TEST_F(captures, go_on_after_a_packet_with_broken_tags) {
 TEST_F(captures, tell_of_a_packet_that_was_cut_short) {
     for (const bool pcapng : {false, true}) {
         auto source = opened(capture_image(
-            exported_pdu_link_type,
-            {{exported_pdu_image("nas-eps", "mess"), 0, 23U}, {"", 0, 40U}}, {.pcapng = pcapng}));
+            exported_pdu_link_type, {{exported_pdu_image("nas-eps", "mess"), 0, 23U}, {"", 0, 40U}},
+            {.pcapng = pcapng}));
         const auto known = source.next();
         ASSERT_TRUE(known);
         EXPECT_EQ(known->failure, "cut short by the snapshot length: 20 of 23 bytes captured");

@@ -69,6 +69,10 @@ TEST_F(profile_files, can_not_be_written_over_a_folder) {
     EXPECT_EQ(profile_file("profile.json").obstacle(), "Is a directory");
 }
 
+TEST_F(profile_files, can_not_be_written_to_what_is_no_regular_file) {
+    EXPECT_EQ(profile_file("/dev/null").obstacle(), "not a regular file");
+}
+
 TEST_F(profile_files, tell_their_members_beyond_the_defaults) {
     nlohmann::json members;
     for (const auto& [name, value] : PROFILE::profile_defaults()) {

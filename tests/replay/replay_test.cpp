@@ -9,6 +9,7 @@
 #include "tests/replay/capture_image.h"
 #include "tests/support/files.h"
 #include "tests/support/process.h"
+#include "tests/support/system.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 namespace {
@@ -37,7 +38,8 @@ const image_packet nameless_packet{end_of_tags() + "m", 0};
 
 /// The first packet of a sample: system information with both the paging cycle and repetitions.
 image_packet system_information(const char* sample) {
-    const auto packet = capture(capture_file(sample)).next().value();
+    capture source(capture_file(sample));
+    const auto packet = source.next().value();
     const std::string message(packet.payload.begin(), packet.payload.end());
     return {exported_pdu_image(packet.format, message), packet.timestamp};
 }
@@ -184,8 +186,9 @@ TEST_F(kivra_replay, calls_the_plugin_in_order) {
 TEST_F(kivra_replay, finds_tshark_on_path) {
     write_tshark("bin", "exit 1\n");
     write_capture("c.pcapng", {ip_packet});
-    const auto result =
-        run({"c.pcapng"}, {.environment = {"PATH=/nowhere:" + scratch().string() + "/bin"}});
+    const environment_guard kept("PATH");
+    set_environment("PATH", "/nowhere:" + scratch().string() + "/bin");
+    const auto result = run({"c.pcapng"});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output, HasSubstr("\ntshark in " + scratch().string() + "/bin\n"));
 }
@@ -217,6 +220,7 @@ TEST_F(kivra_replay, refuses_a_wrong_command_line) {
     expect_refusal(run({"c.pcapng", "--nosuch"}), "--nosuch");
     expect_refusal(run({"c.pcapng", "--profile"}), "--profile");
     expect_refusal(run({"c.pcapng", "--profile", ""}), "must not be empty");
+    expect_refusal(run({""}), "must not be empty");
 }
 
 TEST_F(kivra_replay, refuses_captures_that_can_not_be_read_before_any_record_is_run) {
@@ -249,9 +253,10 @@ TEST_F(kivra_replay, refuses_to_run_without_its_plugin) {
 }
 
 TEST_F(kivra_replay, refuses_to_run_without_tshark) {
+    const environment_guard kept("PATH");
+    set_environment("PATH", "/nowhere");
     write_capture("c.pcapng", {ip_packet});
-    expect_refusal(run({"c.pcapng"}, {.environment = {"PATH=/nowhere"}}),
-                   "no tshark on PATH; name its folder with --tshark-directory");
+    expect_refusal(run({"c.pcapng"}), "no tshark on PATH; name its folder with --tshark-directory");
     expect_refusal(run({"c.pcapng", "--tshark-directory", "/nowhere"}),
                    "the plug-in can't start: tshark not found from path or default installation "
                    "location");
@@ -280,8 +285,8 @@ TEST_F(kivra_replay, shows_no_profile_of_an_earlier_run) {
     const auto result = run({"c.pcapng"});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output,
-                AllOf(EndsWith("\nprofile kivra-profile.json: not written by this run, which takes "
-                               "both idrx_int and idrx_reps from its records\n"),
+                AllOf(EndsWith("\nprofile kivra-profile.json: not written by this run: the "
+                               "records did not give both idrx_int and idrx_reps\n"),
                       Not(HasSubstr("5.12"))));
 }
 
@@ -298,8 +303,8 @@ TEST_F(kivra_replay, says_that_the_profile_can_not_be_written) {
     const auto result = run({"c.pcapng", "--profile", "missing/p.json"});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output,
-                EndsWith("\nprofile missing/p.json: not written by this run, the path can't be "
-                         "written: No such file or directory\n"));
+                EndsWith("\nprofile missing/p.json: not written by this run: the path can't be "
+                         "written (No such file or directory)\n"));
 }
 
 TEST_F(kivra_replay, ends_and_tidies_up_when_nobody_reads_its_output) {

@@ -113,14 +113,14 @@ TEST_F(profile_report, shows_what_the_run_wrote) {
 TEST_F(profile_report, shows_nothing_of_an_older_file) {
     write_file("p.json", R"({"idrx_int": "1.28"})");
     EXPECT_EQ(shown(profile_file("p.json")),
-              "\nprofile p.json: not written by this run, which takes both idrx_int and idrx_reps "
-              "from its records\n");
+              "\nprofile p.json: not written by this run: the records did not give both "
+              "idrx_int and idrx_reps\n");
 }
 
 TEST_F(profile_report, tells_why_the_file_can_not_be_written) {
     EXPECT_EQ(shown(profile_file("missing/p.json")),
-              "\nprofile missing/p.json: not written by this run, the path can't be written: No "
-              "such file or directory\n");
+              "\nprofile missing/p.json: not written by this run: the path can't be written (No "
+              "such file or directory)\n");
 }
 
 }  // namespace

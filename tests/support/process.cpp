@@ -94,34 +94,15 @@ std::vector<char*> pointers_to(std::vector<std::string>& texts) {
     return pointers;
 }
 
-std::vector<std::string> environment_with(std::vector<std::string> entries) {
-    const std::size_t replacements = entries.size();
-    for (char** entry = environ; *entry != nullptr; ++entry) {
-        const std::string text = *entry;
-        const auto name = text.substr(0, text.find('=') + 1);
-        bool replaced = false;
-        for (std::size_t i = 0; i < replacements; ++i) {
-            replaced = replaced || entries[i].starts_with(name);
-        }
-        if (!replaced) {
-            entries.push_back(text);
-        }
-    }
-    return entries;
-}
-
-pid_t start(const std::vector<std::string>& command, const process_setting& setting, int output,
-            int error) {
+pid_t start(std::vector<std::string> arguments, int output, int error) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, error, STDERR_FILENO);
-    auto arguments = command;
-    auto environment = environment_with(setting.environment);
     pid_t child = 0;
     errno = posix_spawn(&child, arguments.front().c_str(), &actions, nullptr,
-                        pointers_to(arguments).data(), pointers_to(environment).data());
+                        pointers_to(arguments).data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     check(errno == 0, "posix_spawn");
     return child;
@@ -144,7 +125,7 @@ process_result run_process(const std::vector<std::string>& command,
         output.parent.close();
     }
 
-    const pid_t child = start(command, setting, output.child.number(), error.child.number());
+    const pid_t child = start(command, output.child.number(), error.child.number());
     output.child.close();
     error.child.close();
     process_result result;

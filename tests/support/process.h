@@ -7,11 +7,9 @@
 
 namespace KIVRA::TSHARK::TESTING {
 
-/// What a program run by the tests has besides its arguments.
+/// Where the output of a program goes.
 struct process_setting {
-    /// "NAME=value" entries in front of the tests' own environment, which they replace.
-    std::vector<std::string> environment = {};
-    /// Where standard output goes; empty: it is kept.
+    /// The file of standard output; empty: what is printed is kept.
     std::filesystem::path output = {};
     /// Standard output is a pipe that nobody reads.
     bool output_has_no_reader = false;
@@ -26,7 +24,7 @@ struct process_result {
     std::string error;
 };
 
-/// Runs a program in the tests' working directory and waits for its end.
+/// Runs a program in the working directory, with an empty standard input, and waits for its end.
 /// @param command the program's path and its arguments
 /// @throws std::system_error when it can't be started
 process_result run_process(const std::vector<std::string>& command,
