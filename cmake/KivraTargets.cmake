@@ -21,7 +21,9 @@ function(kivra_target target)
     endif()
     if(KIVRA_SANITIZE)
         target_compile_options(${target} PRIVATE
-            -fsanitize=${KIVRA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+            -fsanitize=${KIVRA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+            # The sanitizers' own code makes GCC see uninitialised values where there are none.
+            -Wno-maybe-uninitialized)
         target_link_options(${target} PRIVATE -fsanitize=${KIVRA_SANITIZE})
     endif()
 endfunction()

@@ -1,12 +1,16 @@
 #include <sys/resource.h>
 
+#include <cerrno>
+#include <cstdint>
 #include <filesystem>
+#include <string>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/support/files.h"
 #include "tests/support/host.h"
+#include "tests/support/privileges_posix.h"
 
 namespace KIVRA::TSHARK {
 namespace {
@@ -25,16 +29,20 @@ class data_on_posix : public TESTING::scratch_test {
 TEST_F(data_on_posix, logs_an_interpreter_that_cannot_be_started_and_succeeds) {
     ASSERT_EQ(host_.init_with_stand_in("profile.json"), 0);
     rlimit former{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &former), 0);
+    ASSERT_EQ(getrlimit(RLIMIT_NPROC, &former), 0);
     const rlimit none{0, former.rlim_max};
-    // Where no descriptor is allowed the child can't have its standard streams.
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-    const auto result = host_.data("nas-eps", "");
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &former), 0);
+    ASSERT_EQ(setrlimit(RLIMIT_NPROC, &none), 0);
+    std::int32_t result = -1;
+    {
+        const TESTING::ordinary_user user;
+        result = host_.data("nas-eps", "");
+    }
+    ASSERT_EQ(setrlimit(RLIMIT_NPROC, &former), 0);
     EXPECT_EQ(result, 0);
     ASSERT_EQ(host_.logs.size(), 1U);
     EXPECT_EQ(host_.logs.front().level, 5U);
-    EXPECT_EQ(host_.logs.front().message, "invoking tshark failed with error: 9");
+    EXPECT_EQ(host_.logs.front().message,
+              "invoking tshark failed with error: " + std::to_string(EAGAIN));
     EXPECT_THAT(host_.texts, IsEmpty());
     EXPECT_THAT(TESTING::names_in("."), IsEmpty());
 }

@@ -146,6 +146,15 @@ TEST_F(init, may_be_followed_by_complete_and_cancel_at_any_time) {
     EXPECT_EQ(host_.exports.cancel(nullptr), 0);
 }
 
+TEST_F(init, fails_when_the_operator_list_is_an_object) {
+    host other(KIVRA_PLUGIN_WITH_OPERATORS_IN_AN_OBJECT);
+    EXPECT_EQ(other.init_with_stand_in(), 1);
+    EXPECT_EQ(other.context, nullptr);
+    EXPECT_THAT(other.init_errors,
+                ElementsAre(Pair(testing::HasSubstr("type must be array, but is object"), 1U)));
+    EXPECT_THAT(TESTING::names_in("."), IsEmpty());
+}
+
 TEST_F(init, gives_a_context_without_error) {
     ASSERT_EQ(host_.init_with_stand_in(), 0);
     EXPECT_EQ(host_.last_error(), TESTING::error_entry("", 0U));

@@ -1,5 +1,3 @@
-#include <sys/resource.h>
-
 #include <string>
 
 #include <gmock/gmock.h>
@@ -7,6 +5,7 @@
 
 #include "sink/tshark_discovery.h"
 #include "tests/support/files.h"
+#include "tests/support/privileges_posix.h"
 
 namespace KIVRA::TSHARK::SINK {
 namespace {
@@ -45,14 +44,11 @@ TEST_F(discovery_on_posix, fails_with_status_where_a_folder_cannot_be_queried) {
 
 TEST_F(discovery_on_posix, fails_with_directory_iterator_where_a_folder_cannot_be_listed) {
     fs::create_directories("tools/wireshark");
-    rlimit former{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &former), 0);
-    const rlimit none{0, former.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    fs::permissions("tools", fs::perms::none);
+    const TESTING::ordinary_user user;
     EXPECT_THAT(
         [] { discover_tshark_directory("tools"); },
         ThrowsMessage<fs::filesystem_error>(HasSubstr("directory_iterator::directory_iterator")));
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &former), 0);
 }
 
 TEST_F(discovery_on_posix, fails_with_exists_where_the_executable_cannot_be_queried) {

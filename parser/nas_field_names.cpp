@@ -1,0 +1,38 @@
+#include "parser/nas_field_names.h"
+
+#include <string>
+
+#include "parser/tree_search.h"
+
+namespace KIVRA::TSHARK::PARSER {
+
+namespace {
+
+constexpr std::string_view older_prefix = "nas_eps.";
+constexpr std::string_view newer_prefix = "nas-eps.";
+
+/// What the lookup finds under the field's older name, or else under its newer one.
+template <typename Lookup>
+auto under_either_name(std::string_view field, const Lookup& lookup) {
+    auto found = lookup(field);
+    if (!found && field.starts_with(older_prefix)) {
+        found = lookup(std::string(newer_prefix).append(field.substr(older_prefix.size())));
+    }
+    return found;
+}
+
+}  // namespace
+
+std::optional<nlohmann::json> find_nas_field(const nlohmann::json& tree, std::string_view field) {
+    return under_either_name(field,
+                             [&tree](std::string_view name) { return find_in_tree(tree, name); });
+}
+
+const nlohmann::json* nas_member(const nlohmann::json& tree, std::string_view field) {
+    return under_either_name(field, [&tree](std::string_view name) -> const nlohmann::json* {
+        const auto member = tree.find(name);
+        return member != tree.end() ? &*member : nullptr;
+    });
+}
+
+}  // namespace KIVRA::TSHARK::PARSER
