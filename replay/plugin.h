@@ -1,0 +1,96 @@
+/// The plug-in as its host sees it: loaded by file name, its exports looked up by name, and an
+/// instance of its sink that records are run through. Used from one thread.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <kivra/tshark_sink.h>
+
+#include "replay/capture.h"
+
+namespace KIVRA::TSHARK::REPLAY {
+
+/// What a plug-in tells of itself before it is started.
+struct plugin_description {
+    /// "0.13.1", for example.
+    std::string version;
+    /// The JSON Schema of its initialisation parameters.
+    std::string parameter_schema;
+};
+
+/// A loaded plug-in; unloaded with the object.
+class plugin {
+  public:
+    /// @throws std::runtime_error when the file can't be loaded or lacks an export
+    explicit plugin(const std::filesystem::path& file);
+
+    /// Asks the plug-in what it is.
+    /// @throws std::runtime_error when it fails to tell
+    plugin_description describe() const;
+
+  private:
+    friend class sink;
+
+    struct unloader {
+        void operator()(void* library) const;
+    };
+
+    std::unique_ptr<void, unloader> library_;
+    kivra_sink_version_function* version_;
+    kivra_sink_init_parameters_function* init_parameters_;
+    kivra_sink_init_function* init_;
+    kivra_sink_data_function* data_;
+    kivra_sink_complete_function* complete_;
+    kivra_sink_cancel_function* cancel_;
+    kivra_sink_get_last_error_function* get_last_error_;
+    kivra_sink_release_function* release_;
+};
+
+struct log_message {
+    std::uint32_t level = 0;
+    std::string text;
+};
+
+/// What became of a record.
+struct outcome {
+    /// The result documents handed back, JSON texts.
+    std::vector<std::string> documents = {};
+    std::vector<log_message> log = {};
+    /// Why the record failed, when it did.
+    std::optional<std::string> failure = {};
+};
+
+/// An instance of the plug-in's sink; released with the object, and cancelled before that unless it
+/// was completed. The plug-in must outlive it.
+class sink {
+  public:
+    /// @throws std::runtime_error with the plug-in's reason when it refuses
+    sink(const plugin& loaded, const std::filesystem::path& tshark_directory,
+         const std::filesystem::path& profile);
+    ~sink();
+    sink(const sink&) = delete;
+    sink& operator=(const sink&) = delete;
+
+    /// Runs a record, or takes over why it can't be run.
+    outcome run(const record& packet);
+
+    /// Tells the plug-in that there are no more records.
+    void complete();
+
+  private:
+    static void collect_log(const void* caller, void* user_data, std::uint32_t level,
+                            const char* message);
+    static void collect_document(void* user_data, const kivra_annotated_chunk* chunk);
+
+    const plugin& plugin_;
+    kivra_sink_context* context_ = nullptr;
+    outcome outcome_;
+    bool completed_ = false;
+};
+
+}  // namespace KIVRA::TSHARK::REPLAY

@@ -1,0 +1,81 @@
+#include "replay/profile_file.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include <nlohmann/json.hpp>
+
+#include "profile/parameter_file.h"
+
+namespace KIVRA::TSHARK::REPLAY {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::optional<fs::file_time_type> write_time(const fs::path& file) {
+    std::error_code missing;
+    const auto time = fs::last_write_time(file, missing);
+    return missing ? std::nullopt : std::optional(time);
+}
+
+bool is_default(const std::string& name, const nlohmann::json& value) {
+    return std::ranges::any_of(PROFILE::profile_defaults(), [&](const auto& member) {
+        return member.name == name && value == member.value;
+    });
+}
+
+std::optional<std::string> why_not(const fs::path& path, int access_mode) {
+    if (access(path.c_str(), access_mode) == 0) {
+        return std::nullopt;
+    }
+    return std::generic_category().message(errno);
+}
+
+}  // namespace
+
+profile_file::profile_file(fs::path path)
+    : path_(std::move(path)), former_write_time_(write_time(path_)) {}
+
+bool profile_file::written() const {
+    std::error_code missing;
+    return fs::is_regular_file(path_, missing) && write_time(path_) != former_write_time_;
+}
+
+std::optional<std::string> profile_file::obstacle() const {
+    std::error_code missing;
+    if (fs::is_directory(path_, missing)) {
+        return std::generic_category().message(EISDIR);
+    }
+    if (fs::exists(path_, missing)) {
+        return fs::is_regular_file(path_, missing) ? why_not(path_, W_OK) : "not a regular file";
+    }
+    return why_not(fs::absolute(path_).parent_path() / "", W_OK | X_OK);
+}
+
+profile_content profile_file::read() const {
+    profile_content content;
+    try {
+        std::ifstream stream(path_, std::ios::binary);
+        const auto profile = nlohmann::json::parse(stream);
+        for (const auto& [name, value] : profile.items()) {
+            if (is_default(name, value)) {
+                ++content.defaults;
+            } else {
+                content.told.push_back(
+                    {name, value.is_string() ? value.get<std::string>() : value.dump()});
+            }
+        }
+    } catch (const nlohmann::json::exception& error) {
+        throw std::runtime_error("can't read " + path_.string() + ": " + error.what());
+    }
+    return content;
+}
+
+}  // namespace KIVRA::TSHARK::REPLAY

@@ -1,0 +1,47 @@
+/// The power-profile parameter file of a run: whether the run wrote it, and what it says.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace KIVRA::TSHARK::REPLAY {
+
+/// What a profile holds.
+struct profile_content {
+    struct member {
+        std::string name;
+        /// The text; the JSON of a value that is none.
+        std::string value;
+    };
+
+    /// The members that differ from their defaults, sorted by name.
+    std::vector<member> told;
+    /// How many members are at their defaults.
+    std::size_t defaults = 0;
+};
+
+/// Watches a file from the object's creation, before the run, on.
+class profile_file {
+  public:
+    explicit profile_file(std::filesystem::path path);
+
+    const std::filesystem::path& path() const { return path_; }
+
+    /// Whether the file was written since the object was created.
+    bool written() const;
+
+    /// Why the file could not be written, when it could not: the system's reason.
+    std::optional<std::string> obstacle() const;
+
+    /// @throws std::runtime_error when the file can't be read as a profile
+    profile_content read() const;
+
+  private:
+    std::filesystem::path path_;
+    std::optional<std::filesystem::file_time_type> former_write_time_;
+};
+
+}  // namespace KIVRA::TSHARK::REPLAY

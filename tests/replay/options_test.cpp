@@ -1,0 +1,85 @@
+#include "replay/options.h"
+
+#include <stdexcept>
+
+#include <gmock/gmock.h>
+
+namespace KIVRA::TSHARK::REPLAY {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::ThrowsMessage;
+
+std::variant<options, std::string> read(std::vector<const char*> arguments) {
+    arguments.insert(arguments.begin(), "kivra-replay");
+    return read_command_line(static_cast<int>(arguments.size()), arguments.data());
+}
+
+TEST(command_line, needs_only_a_capture) {
+    const auto wanted = std::get<options>(read({"a.pcapng"}));
+    EXPECT_THAT(wanted.captures, ElementsAre("a.pcapng"));
+    EXPECT_EQ(wanted.profile, "kivra-profile.json");
+    EXPECT_EQ(wanted.plugin, "");
+    EXPECT_EQ(wanted.tshark_directory, "");
+}
+
+TEST(command_line, takes_all_options_and_captures_in_any_order) {
+    const auto wanted =
+        std::get<options>(read({"first file.pcap", "--plugin", "p.so", "--tshark-directory=/t s",
+                                "--profile", "out.json", "b.pcapng"}));
+    EXPECT_THAT(wanted.captures, ElementsAre("first file.pcap", "b.pcapng"));
+    EXPECT_EQ(wanted.plugin, "p.so");
+    EXPECT_EQ(wanted.tshark_directory, "/t s");
+    EXPECT_EQ(wanted.profile, "out.json");
+}
+
+TEST(command_line, takes_a_capture_whose_name_looks_like_an_option_behind_two_dashes) {
+    EXPECT_THAT(std::get<options>(read({"--", "--profile"})).captures, ElementsAre("--profile"));
+}
+
+TEST(command_line, asks_for_the_version) {
+    EXPECT_EQ(std::get<std::string>(read({"--version"})), "kivra-replay 0.13.1\n");
+}
+
+TEST(command_line, asks_for_help) {
+    EXPECT_THAT(std::get<std::string>(read({"--help"})),
+                AllOf(HasSubstr("CAPTURE"), HasSubstr("--plugin FILE"),
+                      HasSubstr("--tshark-directory DIR"), HasSubstr("--profile FILE"),
+                      HasSubstr("kivra-profile.json"), HasSubstr("Exit status:")));
+}
+
+TEST(command_line, is_wrong_without_a_capture) {
+    EXPECT_THAT([] { read({}); },
+                ThrowsMessage<std::runtime_error>("CAPTURE is required (see kivra-replay --help)"));
+}
+
+TEST(command_line, is_wrong_with_an_unknown_option) {
+    EXPECT_THAT(
+        [] {
+            read({"a.pcap", "--nosuch"});
+        },
+        ThrowsMessage<std::runtime_error>(HasSubstr("--nosuch")));
+}
+
+TEST(command_line, is_wrong_with_an_option_that_lacks_its_value) {
+    EXPECT_THAT(
+        [] {
+            read({"a.pcap", "--profile"});
+        },
+        ThrowsMessage<std::runtime_error>(HasSubstr("--profile")));
+}
+
+TEST(command_line, is_wrong_with_an_empty_value) {
+    for (const auto* option : {"--plugin=", "--tshark-directory=", "--profile="}) {
+        EXPECT_THAT(
+            [&] {
+                read({"a.pcap", option, ""});
+            },
+            ThrowsMessage<std::runtime_error>(HasSubstr("must not be empty")));
+    }
+}
+
+}  // namespace
+}  // namespace KIVRA::TSHARK::REPLAY

@@ -1,0 +1,33 @@
+/// Running a program in tests and keeping what it prints. POSIX.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace KIVRA::TSHARK::TESTING {
+
+/// Where the output of a program goes.
+struct process_setting {
+    /// The file of standard output; empty: what is printed is kept.
+    std::filesystem::path output = {};
+    /// Standard output is a pipe that nobody reads.
+    bool output_has_no_reader = false;
+    /// Standard error is a terminal.
+    bool error_is_terminal = false;
+};
+
+struct process_result {
+    /// The exit status; 128 and the signal's number when a signal ended the program.
+    int status = 0;
+    std::string output;
+    std::string error;
+};
+
+/// Runs a program in the working directory, with an empty standard input, and waits for its end.
+/// @param command the program's path and its arguments
+/// @throws std::system_error when it can't be started
+process_result run_process(const std::vector<std::string>& command,
+                           const process_setting& setting = {});
+
+}  // namespace KIVRA::TSHARK::TESTING
