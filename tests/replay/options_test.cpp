@@ -40,7 +40,7 @@ TEST(command_line, takes_a_capture_whose_name_looks_like_an_option_behind_two_da
 }
 
 TEST(command_line, asks_for_the_version) {
-    EXPECT_EQ(std::get<std::string>(read({"--version"})), "kivra-replay 0.13.1\n");
+    EXPECT_EQ(std::get<std::string>(read({"--version"})), "kivra-replay " KIVRA_VERSION "\n");
 }
 
 TEST(command_line, asks_for_help) {

@@ -212,7 +212,7 @@ TEST_F(kivra_replay, prints_help_and_version) {
     EXPECT_EQ(help.error, "");
     const auto version = run({"--version"});
     EXPECT_EQ(version.status, 0);
-    EXPECT_EQ(version.output, "kivra-replay 0.13.1\n");
+    EXPECT_EQ(version.output, "kivra-replay " KIVRA_VERSION "\n");
 }
 
 TEST_F(kivra_replay, refuses_a_wrong_command_line) {
