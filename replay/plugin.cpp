@@ -123,7 +123,7 @@ outcome sink::run(const record& packet) {
             plugin_.get_last_error_(context_, &outcome_.failure.emplace(), copy_error);
         }
     }
-    return std::exchange(outcome_, {});
+    return std::move(outcome_);
 }
 
 void sink::complete() {

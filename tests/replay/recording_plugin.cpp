@@ -50,6 +50,7 @@ int32_t kivra_sink_init(kivra_sink_context** context, const kivra_init_parameter
         parameters->error_callback(parameters->error_user_data, &error);
         return KIVRA_RESULT_INIT_FAILED;
     }
+    parameters->log_callback(nullptr, parameters->log_user_data, KIVRA_LOG_INFORMATION, "started");
     *context = new kivra_sink_context{*parameters, ""};
     return KIVRA_RESULT_SUCCESS;
 }
