@@ -14,8 +14,8 @@ std::string utf8(const std::filesystem::path& path) {
 std::string tshark_command(const std::filesystem::path& executable,
                            const std::filesystem::path& capture,
                            const std::filesystem::path& output) {
-    return "cmd /c \"\"" + utf8(executable) + "\" -Y \"nas-eps||lte_rrc\" -r \"" + utf8(capture) +
-           "\" -T json > \"" + utf8(output) + "\"\"";
+    return R"(cmd /c "")" + utf8(executable) + R"(" -Y "nas-eps||lte_rrc" -r ")" + utf8(capture) +
+           R"(" -T json > ")" + utf8(output) + R"("")";
 }
 
 }  // namespace KIVRA::TSHARK::ANALYSIS

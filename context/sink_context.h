@@ -34,14 +34,13 @@ struct profile_texts {
 
 class sink_context {
   public:
-    /// @param log_callback the host's; may be null
-    /// @param tshark_executable the program that runs for each record
-    /// @param tshark_output where its output goes; nothing exists there yet
-    /// @param parameter_file the power-profile parameter file; empty for none
+    /// @param callback the host's log callback, called with the user data; may be null
+    /// @param executable the program that runs for each record
+    /// @param output where its output goes; nothing exists there yet
+    /// @param parameters the power-profile parameter file; empty for none
     /// @throws nlohmann::json::exception when the operator list can't be read
-    sink_context(void* log_user_data, kivra_log_callback log_callback,
-                 std::filesystem::path tshark_executable, std::filesystem::path tshark_output,
-                 std::filesystem::path parameter_file);
+    sink_context(void* user_data, kivra_log_callback callback, std::filesystem::path executable,
+                 std::filesystem::path output, std::filesystem::path parameters);
 
     /// Deletes tshark's output should it exist; what stands in the way of that is left in place.
     ~sink_context();

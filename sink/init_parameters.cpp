@@ -11,18 +11,6 @@ namespace KIVRA::TSHARK::SINK {
 
 namespace {
 
-constexpr char schema_text[] =
-    R"({  "$schema": "https://json-schema.org/draft/2020-12/schema",)"
-    R"(  "title": "tshark init parameters",  "type": "object",  "properties": {)"
-    R"(    "name": { "const": "kivra-tshark-sink" },    "path": { "type": "string" },)"
-    R"(    "init_parameters": {      "type": "object",      "properties": {)"
-    R"(        "tshark_directory": {          "description": "path to location where tshark )"
-    R"(executable is, if not set PATH is used to try to discover tshark location",)"
-    R"(          "type": "string"        },        "file_path": {)"
-    R"(          "description": "creates or overrides file target json file with vek parameters",)"
-    R"(          "type": "string"        }      },      "additionalProperties": false    }  },)"
-    R"(  "additionalProperties": false,  "required": ["init_parameters"]})";
-
 std::span<const kivra_init_parameter> entries_of(const kivra_init_parameters& parameters) {
     if (parameters.count > KIVRA_INIT_PARAMETER_CAPACITY) {
         throw std::runtime_error("parameter block claims " + std::to_string(parameters.count) +
@@ -34,7 +22,17 @@ std::span<const kivra_init_parameter> entries_of(const kivra_init_parameters& pa
 
 }  // namespace
 
-const char* const init_parameter_schema = schema_text;
+const char* const init_parameter_schema =
+    R"({  "$schema": "https://json-schema.org/draft/2020-12/schema",)"
+    R"(  "title": "tshark init parameters",  "type": "object",  "properties": {)"
+    R"(    "name": { "const": "kivra-tshark-sink" },    "path": { "type": "string" },)"
+    R"(    "init_parameters": {      "type": "object",      "properties": {)"
+    R"(        "tshark_directory": {          "description": "path to location where tshark )"
+    R"(executable is, if not set PATH is used to try to discover tshark location",)"
+    R"(          "type": "string"        },        "file_path": {)"
+    R"(          "description": "creates or overrides file target json file with vek parameters",)"
+    R"(          "type": "string"        }      },      "additionalProperties": false    }  },)"
+    R"(  "additionalProperties": false,  "required": ["init_parameters"]})";
 
 init_values read_init_parameters(const kivra_init_parameters& parameters) {
     init_values values;

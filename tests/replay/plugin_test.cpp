@@ -119,7 +119,7 @@ TEST_F(plugins, are_loaded_from_the_working_directory_by_a_bare_name) {
 }
 
 TEST_F(plugins, are_not_searched_for_in_the_system) {
-    EXPECT_THAT([this] { plugin("libc.so.6"); },
+    EXPECT_THAT([] { plugin("libc.so.6"); },
                 ThrowsMessage<std::runtime_error>(HasSubstr((scratch() / "libc.so.6").string())));
 }
 
