@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 namespace KIVRA::TSHARK::ANALYSIS {
 
@@ -10,6 +11,8 @@ namespace {
 
 /// pcapng blocks and exported-PDU tags end on a multiple of this.
 constexpr std::size_t alignment = 4;
+constexpr std::uint32_t section_header_length = 32;
+constexpr std::uint32_t interface_description_length = 40;
 /// An enhanced packet block without its packet.
 constexpr std::uint32_t packet_block_overhead = 36;
 /// Two tag headers: that of the dissector name and that of the end tag.
@@ -54,21 +57,19 @@ class image_writer {
 };
 
 void write_section_header(image_writer& image) {
-    constexpr std::uint32_t block_length = 32;
     image.little_endian<std::uint32_t>(0x0A0D0D0A);
-    image.little_endian(block_length);
+    image.little_endian(section_header_length);
     image.little_endian<std::uint32_t>(0x1A2B3C4D);
     image.little_endian<std::uint16_t>(1);
     image.little_endian<std::uint16_t>(0);
     image.little_endian(std::numeric_limits<std::uint64_t>::max());
     image.end_of_options();
-    image.little_endian(block_length);
+    image.little_endian(section_header_length);
 }
 
 void write_interface_description(image_writer& image) {
-    constexpr std::uint32_t block_length = 40;
     image.little_endian<std::uint32_t>(1);
-    image.little_endian(block_length);
+    image.little_endian(interface_description_length);
     image.little_endian(wireshark_upper_pdu);
     image.little_endian<std::uint16_t>(0);
     image.little_endian(std::numeric_limits<std::uint32_t>::max());
@@ -77,7 +78,7 @@ void write_interface_description(image_writer& image) {
     image.text(interface_description);
     image.zeros(padding_of(interface_description.size()));
     image.end_of_options();
-    image.little_endian(block_length);
+    image.little_endian(interface_description_length);
 }
 
 void write_exported_pdu(image_writer& image, std::string_view format,
@@ -107,7 +108,7 @@ std::string pcapng_image(std::string_view format, std::span<const std::uint8_t> 
     const auto block_length = static_cast<std::uint32_t>(packet_length);
     const auto captured_length = static_cast<std::uint32_t>(pdu_length);
 
-    image_writer image(packet_length + 72);
+    image_writer image(section_header_length + interface_description_length + packet_length);
     write_section_header(image);
     write_interface_description(image);
 

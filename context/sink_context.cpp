@@ -18,7 +18,9 @@ sink_context::sink_context(void* user_data, kivra_log_callback callback,
 
 sink_context::~sink_context() {
     try {
-        remove_entry(tshark_output);
+        if (entry_exists(tshark_output)) {
+            remove_entry(tshark_output);
+        }
     } catch (const std::filesystem::filesystem_error&) {
         // A release has nobody to tell and must go on.
     }

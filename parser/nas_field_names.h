@@ -1,7 +1,7 @@
 /// The names of the NAS EPS protocol in tshark's output and in the result document.
 ///
-/// Up to version 4.2, Wireshark names the fields of the protocol "nas_eps.X"; later versions name
-/// them "nas-eps.X". Fields are asked for by their older name here, and the newer name serves where
+/// Wireshark 4.0 names the fields of the protocol "nas_eps.X"; 4.4 and later versions name them
+/// "nas-eps.X". Fields are asked for by their older name here, and the newer name serves where
 /// a tree lacks the older one.
 #pragma once
 

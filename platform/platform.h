@@ -17,8 +17,8 @@ namespace KIVRA::TSHARK::PLATFORM {
 extern const char* const default_interpreter;
 
 /// Hands a command line of the form `cmd /c "..."` to the interpreter and waits, without a limit,
-/// until it has ended. Nothing of the host's is inherited: no handle, and on POSIX no signal mask.
-/// The exit status is not read.
+/// until it has ended. It gets the host's environment and current directory, but no handle, and on
+/// POSIX neither the signal mask nor an ignored SIGCHLD or SIGPIPE. The exit status is not read.
 ///
 /// On POSIX the text between the outer quotes goes to `sh -c`, with what cmd takes literally and
 /// sh would not ($, ` and \) escaped.

@@ -1,6 +1,5 @@
 #include <memory>
 #include <stdexcept>
-#include <string>
 #include <utility>
 
 #include <kivra/tshark_sink.h>
@@ -23,9 +22,8 @@ namespace {
 using namespace KIVRA::TSHARK;
 
 kivra_version_info version_info() {
-    static const std::string description = std::string("tshark sink plugin (") + ")";
     kivra_version_info version{};
-    version.description = description.c_str();
+    version.description = "tshark sink plugin ()";
     version.major = KIVRA_VERSION_MAJOR;
     version.minor = KIVRA_VERSION_MINOR;
     version.patch = KIVRA_VERSION_PATCH;

@@ -41,14 +41,14 @@ bool names_an_installation(const fs::path& entry) {
 /// The installation in a folder, in the order that the file system delivers; empty for none.
 fs::path find_installation(const fs::path& directory) {
     std::error_code error;
-    fs::directory_iterator entry(directory, error);
-    if (error) {
-        throw fs::filesystem_error("directory_iterator::directory_iterator", directory, error);
-    }
-    for (; entry != fs::directory_iterator(); entry.increment(error)) {
+    for (fs::directory_iterator entry(directory, error); !error && entry != end(entry);
+         entry.increment(error)) {
         if (names_an_installation(entry->path())) {
             return entry->path();
         }
+    }
+    if (error) {
+        throw fs::filesystem_error("directory_iterator::directory_iterator", directory, error);
     }
     return {};
 }

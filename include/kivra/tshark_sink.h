@@ -89,13 +89,15 @@ typedef struct kivra_version_info {
 
 /// One trace record: a protocol message or an IP packet. Read-only for the plug-in.
 typedef struct kivra_trace_chunk {
-    /// The message's bytes; the host's, read only during `kivra_sink_data`.
+    /// The message's bytes; the host's, read only during `kivra_sink_data`. May be null when the
+    /// size is 0.
     const uint8_t* data;
     /// How many bytes `data` points at.
     uint32_t size;
     uint8_t reserved_12[4];
     /// The Wireshark dissector for the message: "nas-eps", a name containing "lte_rrc" (such as
-    /// "lte_rrc.ul_dcch"), or "ip" for an IP packet. Records of any other format are ignored.
+    /// "lte_rrc.ul_dcch"), or "ip" for an IP packet. Records of any other format, and of none
+    /// (null), are ignored.
     const char* format;
     uint8_t reserved_24[16];
     /// When the record was captured, in microseconds since 1970-01-01.
@@ -202,12 +204,13 @@ typedef int32_t kivra_sink_version_function(void* user_data, kivra_version_callb
 /// Creates an instance: reads the parameters, finds tshark, loads the operator list.
 ///
 /// "tshark_directory" is the folder of tshark's executable; without it (or when it is empty) an
-/// entry whose name begins with "wireshark" is looked for in the folders of PATH (separated by
-/// ";") and in "C:\Program Files". "file_path" is the power-profile parameter file; without it
-/// none is written.
+/// entry whose name begins with "wireshark", whatever the case, is looked for in the folders of
+/// PATH (separated by ";") and in "C:\Program Files". "file_path" is the power-profile parameter
+/// file; without it none is written.
 ///
 /// @param context where the new instance goes; not written on failure
-/// @return 0; 1 on failure, after one call of the block's error callback with code 1
+/// @return 0; 1 on failure, after one call of the block's error callback with code 1; 1 at once
+///     when there is no block
 typedef int32_t kivra_sink_init_function(kivra_sink_context** context,
                                          const kivra_init_parameters* parameters);
 
@@ -221,7 +224,8 @@ typedef int32_t kivra_sink_init_function(kivra_sink_context** context,
 /// @param reserved_1 ignored
 /// @param reserved_2 ignored
 /// @return 0, also for a record that is ignored or a tshark that cannot be started (which is
-///     logged); 100 on failure, the reason is kept for `kivra_sink_get_last_error`
+///     logged); 100 on failure, the reason is kept for `kivra_sink_get_last_error`; 100 at once
+///     when there is no context
 typedef int32_t kivra_sink_data_function(kivra_sink_context* context,
                                          const kivra_trace_chunk* chunk, void* reserved_1,
                                          void* reserved_2, void* user_data,
@@ -237,7 +241,8 @@ typedef int32_t kivra_sink_complete_function(kivra_sink_context* context);
 typedef int32_t kivra_sink_cancel_function(kivra_sink_context* context);
 
 /// Hands the reason of the last failed `kivra_sink_data` to the callback: its text and 100, or the
-/// empty text and 0 when none has failed. Neither reading nor a later success clears it.
+/// empty text and 0 when none has failed. Neither reading nor a later success clears it. Does
+/// nothing without a context.
 typedef void kivra_sink_get_last_error_function(kivra_sink_context* context, void* user_data,
                                                 kivra_error_callback callback);
 

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/deep_directory_posix.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
 #include "tests/support/privileges_posix.h"
@@ -16,7 +17,6 @@ namespace KIVRA::TSHARK {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using TESTING::host;
 using testing::IsEmpty;
@@ -55,6 +55,14 @@ TEST_F(data_on_posix, fails_where_the_working_directory_is_gone) {
     EXPECT_EQ(host_.data("nas-eps", ""), 100);
     EXPECT_THAT(host_.last_error().first, HasSubstr("current_path()"));
     EXPECT_THAT(host_.logs, IsEmpty());
+}
+
+TEST_F(data_on_posix, fails_where_a_name_for_the_capture_cannot_be_queried) {
+    ASSERT_EQ(host_.init_with_stand_in(), 0);
+    TESTING::enter_deep_directory();
+    EXPECT_EQ(host_.data("nas-eps", ""), 100);
+    EXPECT_THAT(host_.last_error().first, HasSubstr("exists"));
+    EXPECT_THAT(TESTING::names_in("."), IsEmpty());
 }
 
 TEST_F(data_on_posix, works_in_folders_of_any_name_but_one_with_a_double_quote) {

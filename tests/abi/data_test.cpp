@@ -1,14 +1,14 @@
 #include <cstdint>
-#include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <regex>
+#include <sstream>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "analysis/pcapng_image.h"
-#include "analysis/tshark_command.h"
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
@@ -33,10 +33,13 @@ class data : public TESTING::scratch_test {
   protected:
     void SetUp() override { ASSERT_EQ(host_.init_with_stand_in("profile.json"), 0); }
 
-    /// The files of the test, without those that the stand-in needs.
+    /// The files of the test, without those that the stand-in needs and what the system writes of
+    /// a process that was ended.
     static std::vector<std::string> files() {
         auto names = TESTING::names_in(".");
-        std::erase_if(names, [](const std::string& name) { return name.starts_with("stand_in"); });
+        std::erase_if(names, [](const std::string& name) {
+            return name.starts_with("stand_in") || name.starts_with("core");
+        });
         return names;
     }
 
@@ -130,9 +133,7 @@ TEST_F(data, uses_the_same_output_file_for_every_record_and_a_fresh_capture_for_
 }
 
 TEST_F(data, takes_the_working_directory_of_the_call_for_the_capture) {
-    TESTING::stand_in_runs("echo '[]'");
     fs::create_directory("elsewhere");
-    fs::copy_file("stand_in.sh", "elsewhere/stand_in.sh");
     TESTING::write_file("elsewhere/stand_in.sh", "ls > stand_in.files; echo '[]'");
     fs::current_path("elsewhere");
     EXPECT_EQ(host_.data("nas-eps", ""), 0);
@@ -321,12 +322,7 @@ TEST_F(failing_data, keeps_its_reason_through_later_successes) {
     EXPECT_EQ(host_.last_error(), error_entry("cannot open file", 100U));
 }
 
-TEST_F(failing_data, needs_nobody_who_asks_for_the_reason) {
-    host_.exports.get_last_error(host_.context, nullptr, nullptr);
-    host_.exports.get_last_error(nullptr, nullptr, nullptr);
-}
-
-TEST_F(failing_data, hands_nothing_back_that_is_no_utf8) {
+TEST_F(failing_data, with_an_output_that_is_no_utf8) {
     TESTING::stand_in_prints("[{\"_source\": {\"layers\": {\"lte_rrc\": {\"a\": \"\xFF\"}}}}]");
     expect_failure(HasSubstr("parse_error.101"));
 }

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/deep_directory_posix.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
 
@@ -29,21 +30,23 @@ TEST_F(init_on_posix, fails_where_the_working_directory_is_gone) {
     EXPECT_THAT(host_.init_errors, ElementsAre(Pair(HasSubstr("current_path()"), 1U)));
 }
 
+TEST_F(init_on_posix, searches_program_files_alone_when_path_is_empty) {
+    const TESTING::environment_guard guard("PATH");
+    TESTING::set_environment("PATH", "");
+    EXPECT_EQ(host_.init({}), 1);
+    EXPECT_THAT(host_.init_errors,
+                ElementsAre(Pair("tshark installation not found from path or default installation "
+                                 "location",
+                                 1U)));
+}
+
 TEST_F(init_on_posix, fails_where_the_executable_cannot_be_queried) {
     EXPECT_EQ(host_.init({{"tshark_directory", std::string(5000, 'x')}}), 1);
     EXPECT_THAT(host_.init_errors, ElementsAre(Pair(HasSubstr("exists"), 1U)));
 }
 
 TEST_F(init_on_posix, fails_where_a_name_for_the_output_cannot_be_queried) {
-    // A working directory whose path leaves no room for a name below it.
-    const std::string piece(200, 'd');
-    while (fs::current_path().string().size() + piece.size() + 2 < 4080) {
-        fs::create_directory(piece);
-        fs::current_path(piece);
-    }
-    const std::string rest(4080 - fs::current_path().string().size() - 1, 'd');
-    fs::create_directory(rest);
-    fs::current_path(rest);
+    TESTING::enter_deep_directory();
     EXPECT_EQ(host_.init_with_stand_in(), 1);
     EXPECT_THAT(host_.init_errors, ElementsAre(Pair(HasSubstr("exists"), 1U)));
 }

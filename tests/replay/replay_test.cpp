@@ -85,13 +85,22 @@ TEST_F(kivra_replay, shows_every_record_of_an_lte_m_attach_and_the_profile) {
               HasSubstr("\"ICMPv6_prefix\": \"2001:0db8:0001:0000:0000:0000:0000:0000\""),
               HasSubstr("\nrecord 22  2025-11-24T17:00:06.153500Z  lte_rrc.dl_dcch\n{\n"),
               Not(HasSubstr("record 23")), Not(HasSubstr("failed")), Not(HasSubstr("log ("))));
-    EXPECT_THAT(result.output, AllOf(HasSubstr("\nprofile kivra-profile.json\n"),
-                                     HasSubstr("    idrx_int                   2.56\n"),
-                                     HasSubstr("    idrx_reps                  32\n"),
-                                     HasSubstr("    cdrx_int                   30\n"),
-                                     HasSubstr("    cdrx_on_duration           10\n"),
-                                     HasSubstr("    cdrx_inactive_timer        100\n"),
-                                     HasSubstr(" members at their defaults\n")));
+    EXPECT_THAT(result.output,
+                AllOf(HasSubstr("\"mcc\": \"Germany\""), HasSubstr("\"mnc\": \"Vodafone D2 GmbH\""),
+                      HasSubstr("\"apn\": \"iot.example.mnc002.mcc262.gprs\""),
+                      HasSubstr("\"APN_AMBR_downlink_kbps\": 568"),
+                      HasSubstr("\"APN_AMBR_uplink_kbps\": 576"), HasSubstr("\"8.8.8.8\""),
+                      HasSubstr("\"8.8.4.4\""), HasSubstr("\"tac\": \"20001\"")));
+    EXPECT_THAT(result.output, EndsWith("\nprofile kivra-profile.json\n"
+                                        "    cdrx_inactive_timer        100\n"
+                                        "    cdrx_int                   30\n"
+                                        "    cdrx_on_duration           10\n"
+                                        "    config_lte_psm_req_rat     00000101\n"
+                                        "    config_lte_psm_req_rptau   01000111\n"
+                                        "    idrx_int                   2.56\n"
+                                        "    idrx_reps                  32\n"
+                                        "    psm                        True\n"
+                                        "    and 23 members at their defaults\n"));
     EXPECT_THAT(names_in("."), ElementsAre("kivra-profile.json"));
     EXPECT_EQ(read_json("kivra-profile.json").size(), 31U);
 }
@@ -100,6 +109,10 @@ TEST_F(kivra_replay, shows_every_record_of_an_nb_iot_attach_and_the_profile) {
     const auto result = run({capture_file("nbiot_attach.pcapng"), "--profile", "nb iot.json"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.error, "8 records, 0 failed\n");
+    EXPECT_THAT(result.output, AllOf(HasSubstr("\"code\": 50,\n            \"reason\": "
+                                               "\"PDN type IPv4 only allowed\""),
+                                     HasSubstr("\"code\": 27,\n            \"reason\": "
+                                               "\"Missing or unknown APN\"")));
     EXPECT_THAT(
         result.output,
         AllOf(HasSubstr("\nrecord 1  2025-11-25T19:46:40.000000Z  lte_rrc.bcch_dl_sch.nb\n"),

@@ -93,7 +93,7 @@ TEST_F(traces, keep_every_protocol_configuration_option_apart) {
     const json records = TESTING::read_json(TESTING::data_file("ltem_attach_psm.json"));
     const json dns = result_of(records[12])["nas-eps"]["dns_server_address_config"];
     EXPECT_EQ(dns["ppp.code"], "3");
-    EXPECT_EQ(dns.dump().find("8.8.4.4") != std::string::npos, true);
+    EXPECT_THAT(dns.dump(), testing::HasSubstr("8.8.4.4"));
 }
 
 TEST_F(traces, of_a_lab_network_fail_the_record_that_names_it) {
