@@ -58,9 +58,8 @@ TEST_F(processes, that_cannot_be_started_give_the_error_number) {
 
 TEST_F(processes, get_no_standard_stream_of_the_host) {
     TESTING::write_file("streams.sh", R"(
-        exec 9>file
-        readlink /proc/$$/fd/0 /proc/$$/fd/1 /proc/$$/fd/2 >&9
-        :)");
+        streams=$(readlink /proc/$$/fd/0 /proc/$$/fd/1 /proc/$$/fd/2)
+        echo "$streams" > file)");
     run("sh streams.sh");
     EXPECT_EQ(TESTING::read_file("file"), "/dev/null\n/dev/null\n/dev/null\n");
 }
