@@ -11,10 +11,6 @@ namespace KIVRA::TSHARK::TESTING {
 
 namespace {
 
-std::string narrow(const std::filesystem::path& path) {
-    return path.string();
-}
-
 void note_log(const void* caller, void* user_data, std::uint32_t level, const char* message) {
     auto& self = *static_cast<host*>(user_data);
     self.logs.push_back({caller, level, message});
@@ -92,8 +88,8 @@ std::int32_t host::init(const parameter_list& parameters) {
 }
 
 std::int32_t host::init_with_stand_in(const std::filesystem::path& parameter_file) {
-    return init({{"tshark_directory", narrow(stand_in_directory())},
-                 {"file_path", narrow(parameter_file)}});
+    return init({{"tshark_directory", narrow_text(stand_in_directory())},
+                 {"file_path", narrow_text(parameter_file)}});
 }
 
 std::int32_t host::data(const std::string& format, std::string_view payload,

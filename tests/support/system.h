@@ -44,6 +44,9 @@ class shared_library {
     void* handle_;
 };
 
+/// A path as a host hands it over: in the code page that narrow texts are in.
+std::string narrow_text(const std::filesystem::path& path);
+
 /// The folder of the real tshark.
 std::filesystem::path tshark_directory();
 

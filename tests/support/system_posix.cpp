@@ -45,6 +45,10 @@ void* shared_library::symbol(const char* name) const {
     return found;
 }
 
+std::string narrow_text(const std::filesystem::path& path) {
+    return path.string();
+}
+
 std::filesystem::path tshark_directory() {
     return "/usr/bin";
 }
