@@ -37,6 +37,10 @@ std::filesystem::path plugin_file() {
     return KIVRA_PLUGIN;
 }
 
+std::filesystem::path tshark_directory() {
+    return KIVRA_TSHARK;
+}
+
 std::filesystem::path stand_in_directory() {
     return KIVRA_STAND_IN;
 }

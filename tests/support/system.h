@@ -47,7 +47,4 @@ class shared_library {
 /// A path as a host hands it over: in the code page that narrow texts are in.
 std::string narrow_text(const std::filesystem::path& path);
 
-/// The folder of the real tshark.
-std::filesystem::path tshark_directory();
-
 }  // namespace KIVRA::TSHARK::TESTING

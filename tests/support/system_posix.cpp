@@ -49,8 +49,4 @@ std::string narrow_text(const std::filesystem::path& path) {
     return path.string();
 }
 
-std::filesystem::path tshark_directory() {
-    return "/usr/bin";
-}
-
 }  // namespace KIVRA::TSHARK::TESTING

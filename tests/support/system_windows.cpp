@@ -54,8 +54,4 @@ std::string narrow_text(const std::filesystem::path& path) {
     return text;
 }
 
-std::filesystem::path tshark_directory() {
-    return KIVRA_TSHARK;
-}
-
 }  // namespace KIVRA::TSHARK::TESTING

@@ -1,5 +1,9 @@
-# Sourced: gives the arguments that are paths as Wine's cmd writes them, such as C:\a\b, in the
-# terms of the system below. Elsewhere there are none.
+#!/bin/sh
+# Runs a program of the system below Wine, then removes the marker:
+#
+#   run_below.sh MARKER PROGRAM [ARGUMENT...]
+#
+# Arguments that are paths of Wine's (Z:\a\b) are given in the terms of the system below (/.../a/b).
 for argument; do
     shift
     case $argument in
@@ -10,3 +14,8 @@ for argument; do
     esac
     set -- "$@" "$argument"
 done
+
+marker=$1
+shift
+trap 'rm "$marker"' EXIT
+"$@"
