@@ -1,6 +1,6 @@
 /// All that differs between Windows and POSIX: starting a process and waiting for it, host texts
-/// as paths, what stands at a path, the PATH variable, the names of tshark's executable. No state, no ownership; every
-/// function may be called from any thread.
+/// as paths, what stands at a path, the PATH variable, the names of tshark's executable. No state,
+/// no ownership; every function may be called from any thread.
 #pragma once
 
 #include <cstdint>
