@@ -2,17 +2,19 @@
 
 #include <system_error>
 
+#include "platform/platform.h"
+
 namespace KIVRA::TSHARK {
 
 namespace fs = std::filesystem;
 
 bool entry_exists(const fs::path& path) {
     std::error_code error;
-    const bool found = fs::exists(path, error);
-    if (error) {
+    const fs::file_status status = PLATFORM::file_status(path, error);
+    if (status.type() == fs::file_type::none) {
         throw fs::filesystem_error("exists", path, error);
     }
-    return found;
+    return fs::exists(status);
 }
 
 void remove_entry(const fs::path& path) {

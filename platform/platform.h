@@ -1,6 +1,6 @@
 /// All that differs between Windows and POSIX: starting a process and waiting for it, host texts
-/// as paths, the PATH variable, the names of tshark's executable. No state, no ownership; every
-/// function may be called from any thread.
+/// as paths, what stands at a path, the PATH variable, the names of tshark's executable. No state,
+/// no ownership; every function may be called from any thread.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace KIVRA::TSHARK::PLATFORM {
 
@@ -32,6 +33,10 @@ std::optional<std::uint32_t> run_command_line(const std::string& command_line,
 /// POSIX: the bytes as they stand.
 /// @throws std::system_error when the text is not valid in that code page
 std::filesystem::path path_from_narrow(std::string_view text);
+
+/// What stands at the path, as std::filesystem::status tells it; links are followed.
+/// @param error why the query failed; the type is then `none`, but `not_found` where nothing is
+std::filesystem::file_status file_status(const std::filesystem::path& path, std::error_code& error);
 
 /// The PATH variable's value, empty when it is set to nothing; no value when it is not set.
 std::optional<std::string> path_variable();

@@ -22,7 +22,7 @@ constexpr auto installation_missing =
 
 bool is_searchable(const fs::path& candidate) {
     std::error_code error;
-    const fs::file_status status = fs::status(candidate, error);
+    const fs::file_status status = PLATFORM::file_status(candidate, error);
     if (status.type() == fs::file_type::none) {
         throw fs::filesystem_error("status", candidate, error);
     }

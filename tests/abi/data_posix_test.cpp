@@ -85,14 +85,5 @@ TEST_F(data_on_posix, fails_where_a_double_quote_breaks_the_command_line) {
     EXPECT_EQ(host_.last_error().first, "cannot open file");
 }
 
-TEST_F(data_on_posix, fails_when_tshark_has_gone_since_init) {
-    fs::copy(TESTING::stand_in_directory(), "tools");
-    ASSERT_EQ(host_.init({{"tshark_directory", "tools"}}), 0);
-    fs::remove_all("tools");
-    EXPECT_EQ(host_.data("nas-eps", ""), 100);
-    EXPECT_THAT(host_.last_error().first, HasSubstr("parse_error.101"));
-    EXPECT_THAT(TESTING::names_in("."), IsEmpty());
-}
-
 }  // namespace
 }  // namespace KIVRA::TSHARK

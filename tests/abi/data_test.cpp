@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <iterator>
 #include <regex>
@@ -266,6 +267,14 @@ class failing_data : public data {
     }
 };
 
+TEST_F(failing_data, when_tshark_has_gone_since_init) {
+    fs::copy(TESTING::stand_in_directory(), "tools");
+    host_.release();
+    ASSERT_EQ(host_.init({{"tshark_directory", "tools"}}), 0);
+    fs::remove_all("tools");
+    expect_failure(HasSubstr("parse_error.101"));
+}
+
 TEST_F(failing_data, without_an_output) {
     TESTING::stand_in_runs("rm tshark[0-9]*.json");
     expect_failure("cannot open file");
@@ -327,7 +336,22 @@ TEST_F(failing_data, with_an_output_that_is_no_utf8) {
     expect_failure(HasSubstr("parse_error.101"));
 }
 
-using undeletable_files = data;
+// The process that ends may be a new one, which runs the test from its beginning: it is sent to the
+// scratch directory of the first.
+class undeletable_files : public data {
+  protected:
+    undeletable_files() {
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing else changes the environment here
+        if (const char* directory = std::getenv(variable)) {
+            fs::current_path(directory);
+        }
+        TESTING::set_environment(variable, fs::current_path().string());
+    }
+
+  private:
+    static constexpr auto variable = "KIVRA_SCRATCH_DIRECTORY";
+    TESTING::environment_guard guard_{variable};
+};
 
 TEST_F(undeletable_files, end_the_process_after_the_capture_was_deleted) {
     TESTING::stand_in_runs(

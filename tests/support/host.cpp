@@ -11,10 +11,6 @@ namespace KIVRA::TSHARK::TESTING {
 
 namespace {
 
-std::string narrow(const std::filesystem::path& path) {
-    return path.string();
-}
-
 void note_log(const void* caller, void* user_data, std::uint32_t level, const char* message) {
     auto& self = *static_cast<host*>(user_data);
     self.logs.push_back({caller, level, message});
@@ -39,6 +35,10 @@ void note_chunk(void* user_data, const kivra_annotated_chunk* chunk) {
 
 std::filesystem::path plugin_file() {
     return KIVRA_PLUGIN;
+}
+
+std::filesystem::path tshark_directory() {
+    return KIVRA_TSHARK;
 }
 
 std::filesystem::path stand_in_directory() {
@@ -92,8 +92,8 @@ std::int32_t host::init(const parameter_list& parameters) {
 }
 
 std::int32_t host::init_with_stand_in(const std::filesystem::path& parameter_file) {
-    return init({{"tshark_directory", narrow(stand_in_directory())},
-                 {"file_path", narrow(parameter_file)}});
+    return init({{"tshark_directory", narrow_text(stand_in_directory())},
+                 {"file_path", narrow_text(parameter_file)}});
 }
 
 std::int32_t host::data(const std::string& format, std::string_view payload,

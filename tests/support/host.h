@@ -21,6 +21,9 @@ namespace KIVRA::TSHARK::TESTING {
 /// The plug-in that the build has made.
 std::filesystem::path plugin_file();
 
+/// The folder of the real tshark.
+std::filesystem::path tshark_directory();
+
 /// The folder whose tshark.exe runs the script "stand_in.sh" of the working directory.
 std::filesystem::path stand_in_directory();
 

@@ -44,7 +44,7 @@ class shared_library {
     void* handle_;
 };
 
-/// The folder of the real tshark.
-std::filesystem::path tshark_directory();
+/// A path as a host hands it over: in the code page that narrow texts are in.
+std::string narrow_text(const std::filesystem::path& path);
 
 }  // namespace KIVRA::TSHARK::TESTING

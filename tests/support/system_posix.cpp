@@ -45,8 +45,8 @@ void* shared_library::symbol(const char* name) const {
     return found;
 }
 
-std::filesystem::path tshark_directory() {
-    return "/usr/bin";
+std::string narrow_text(const std::filesystem::path& path) {
+    return path.string();
 }
 
 }  // namespace KIVRA::TSHARK::TESTING

@@ -1,0 +1,41 @@
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "context/file_status.h"
+#include "tests/support/files.h"
+
+namespace KIVRA::TSHARK {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::ThrowsMessage;
+
+class file_status_on_windows : public TESTING::scratch_test {};
+
+/// A device that isn't there: neither a file nor a missing file.
+const std::string no_device = R"(\\?\x)";
+
+TEST_F(file_status_on_windows, names_the_query_that_failed) {
+    EXPECT_THAT([] { entry_exists(no_device); },
+                ThrowsMessage<fs::filesystem_error>(HasSubstr("exists")));
+}
+
+TEST_F(file_status_on_windows, takes_what_can_be_no_name_for_missing) {
+    for (const char* name : {"\"quoted\"", "a*b", "a<b", R"(Q:\no\drive)", "file\\"}) {
+        EXPECT_FALSE(entry_exists(name)) << name;
+    }
+}
+
+TEST_F(file_status_on_windows, takes_both_separators_and_one_at_the_end) {
+    fs::create_directories("folder/inside");
+    for (const char* name :
+         {"folder\\", "folder/inside", "folder\\inside\\", "C:\\", "C:/Windows"}) {
+        EXPECT_TRUE(entry_exists(name)) << name;
+    }
+}
+
+}  // namespace
+}  // namespace KIVRA::TSHARK
