@@ -41,7 +41,8 @@ std::size_t nesting_of(std::string_view text) {
 /// The library parses and destroys without recursion; all that follows recurses.
 nlohmann::json parse_output(const std::string& text) {
     nlohmann::json parsed = nlohmann::json::parse(text);
-    if (nesting_of(text) > deepest_nesting) {
+    // A NUL ends the text for the library.
+    if (nesting_of(std::string_view(text).substr(0, text.find('\0'))) > deepest_nesting) {
         throw std::runtime_error("output of tshark is nested more than " +
                                  std::to_string(deepest_nesting) + " levels deep");
     }

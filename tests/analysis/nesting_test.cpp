@@ -76,6 +76,12 @@ TEST_F(nesting, counts_only_in_a_text_that_is_json) {
                 ThrowsMessage<json::parse_error>(HasSubstr("parse_error.101")));
 }
 
+TEST_F(nesting, does_not_count_what_follows_a_nul) {
+    using namespace std::string_literals;
+    expect_taken_in("[]\0]][["s);
+    expect_taken_in("[]\0"s + nested_arrays(deepest_nesting + 1));
+}
+
 TEST_F(nesting, may_be_absurd) {
     expect_too_deep(nested_arrays(1'000'000));
     expect_too_deep(nested_objects(1'000'000));
