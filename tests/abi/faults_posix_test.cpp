@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -345,6 +346,22 @@ TEST_F(careless_host, may_have_no_descriptor_left) {
         expect_failure("cannot open file");
     }
     EXPECT_THAT(files(), IsEmpty());
+    expect_recovery();
+}
+
+TEST_F(careless_host, may_throw_when_told_that_tshark_can_not_be_started) {
+    host_.on_log = [] { throw std::runtime_error("log is full"); };
+    {
+        const limit_guard limit(RLIMIT_NPROC, 0);
+        const TESTING::ordinary_user user;
+        EXPECT_EQ(host_.data("lte_rrc", ""), 100);
+    }
+    EXPECT_EQ(host_.last_error().first, "log is full");
+    ASSERT_EQ(host_.logs.size(), 1U);
+    EXPECT_EQ(host_.logs.front().message,
+              "invoking tshark failed with error: " + std::to_string(EAGAIN));
+    EXPECT_THAT(files(), IsEmpty());
+    host_.on_log = nullptr;
     expect_recovery();
 }
 
