@@ -126,7 +126,7 @@ TEST_F(faults, of_a_full_disk) {
     TESTING::in_child([this] {
         // Root may mount at once, other users in a user namespace of their own.
         ASSERT_EQ(unshare(geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER), 0);
-        ASSERT_EQ(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr), 0);
+        ASSERT_EQ(mount("none", "/", "", MS_REC | MS_PRIVATE, nullptr), 0);
         ASSERT_EQ(mount("full", fs::current_path().c_str(), "tmpfs", 0, "size=64k"), 0);
         fs::current_path(fs::current_path());
         TESTING::stand_in_prints(one_packet);
