@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -44,12 +43,6 @@ bool is_for_tshark(std::string_view format) {
     return format == "nas-eps" || format.find("lte_rrc") != std::string_view::npos;
 }
 
-/// A file that can't be written shows up as tshark's missing output.
-void write_capture(const std::filesystem::path& file, std::string_view image) {
-    std::ofstream stream(file, std::ios::binary);
-    stream.write(image.data(), static_cast<std::streamsize>(image.size()));
-}
-
 void log_duration(const sink_context& context, steady_clock::time_point start) {
     const auto taken =
         std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - start);
@@ -63,7 +56,8 @@ void run_tshark(sink_context& context, const kivra_trace_chunk& chunk,
 
     const auto start = steady_clock::now();
     const std::filesystem::path capture = unique_path("tshark_temp", "pcapng");
-    write_capture(capture, image);
+    // A capture that can't be written shows up as tshark's missing output.
+    PLATFORM::write_file(capture, image);
     const working_files clean_up(capture, context.tshark_output);
 
     const auto failure = PLATFORM::run_command_line(

@@ -1,5 +1,6 @@
 #include "analysis/json_intake.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <fstream>
@@ -15,6 +16,37 @@ namespace {
 bool is_packet(const nlohmann::json& value) {
     const auto source = value.find("_source");
     return source != value.end() && source->is_object() && source->contains("layers");
+}
+
+/// How many brackets of a valid JSON text are open at once.
+std::size_t nesting_of(std::string_view text) {
+    std::size_t depth = 0;
+    std::size_t deepest = 0;
+    bool in_string = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (in_string && c == '\\') {
+            ++i;
+        } else if (c == '"') {
+            in_string = !in_string;
+        } else if (!in_string && (c == '[' || c == '{')) {
+            deepest = std::max(deepest, ++depth);
+        } else if (!in_string && (c == ']' || c == '}')) {
+            --depth;
+        }
+    }
+    return deepest;
+}
+
+/// The library parses and destroys without recursion; all that follows recurses.
+nlohmann::json parse_output(const std::string& text) {
+    nlohmann::json parsed = nlohmann::json::parse(text);
+    // A NUL ends the text for the library.
+    if (nesting_of(std::string_view(text).substr(0, text.find('\0'))) > deepest_nesting) {
+        throw std::runtime_error("output of tshark is nested more than " +
+                                 std::to_string(deepest_nesting) + " levels deep");
+    }
+    return parsed;
 }
 
 }  // namespace
@@ -52,7 +84,7 @@ std::string number_repeated_names(const std::string& text) {
 }
 
 nlohmann::json take_in(sink_context& context, const std::string& output) {
-    const nlohmann::json parsed = nlohmann::json::parse(number_repeated_names(output));
+    const nlohmann::json parsed = parse_output(number_repeated_names(output));
     nlohmann::json result;
     for (const auto& value : parsed) {
         if (is_packet(value)) {

@@ -2,6 +2,7 @@
 /// packet.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 
@@ -10,6 +11,11 @@
 #include "context/sink_context.h"
 
 namespace KIVRA::TSHARK::ANALYSIS {
+
+/// How many brackets of an output may be open at once, counted from its outermost one. tshark
+/// itself stops at 500 levels (its limit on the depth of a protocol tree); what is deeper was not
+/// written by it, and walking or copying it could run over the stack.
+constexpr std::size_t deepest_nesting = 1'000;
 
 /// The whole content of a file.
 /// @throws std::runtime_error "cannot open file"
@@ -24,8 +30,9 @@ std::string number_repeated_names(const std::string& text);
 /// Hands every packet of the output to the per-packet step, in order; whatever has no "_source"
 /// with "layers" is skipped.
 /// @return the result document: null when no packet gave anything
-/// @throws nlohmann::json::parse_error for a text that is no JSON, and what the step throws; no
-///     packet behind the failing one is handed on
+/// @throws nlohmann::json::parse_error for a text that is no JSON, std::runtime_error for one that
+///     is nested more deeply than `deepest_nesting`, and what the step throws; no packet behind
+///     the failing one is handed on
 nlohmann::json take_in(sink_context& context, const std::string& output);
 
 }  // namespace KIVRA::TSHARK::ANALYSIS

@@ -22,9 +22,11 @@ function(kivra_target target)
     endif()
     if(KIVRA_SANITIZE)
         target_compile_options(${target} PRIVATE
-            -fsanitize=${KIVRA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+            -fsanitize=${KIVRA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
             # The sanitizers' own code makes GCC see uninitialised values where there are none.
-            -Wno-maybe-uninitialized)
+            target_compile_options(${target} PRIVATE -Wno-maybe-uninitialized)
+        endif()
         target_link_options(${target} PRIVATE -fsanitize=${KIVRA_SANITIZE})
     endif()
 endfunction()

@@ -1,6 +1,6 @@
-/// All that differs between Windows and POSIX: starting a process and waiting for it, host texts
-/// as paths, what stands at a path, the PATH variable, the names of tshark's executable. No state,
-/// no ownership; every function may be called from any thread.
+/// All that differs between Windows and POSIX: starting a process and waiting for it, writing a
+/// file, what stands at a path, host texts as paths, the PATH variable, the names of tshark's
+/// executable. No state, no ownership; every function may be called from any thread.
 #pragma once
 
 #include <cstdint>
@@ -27,6 +27,10 @@ extern const char* const default_interpreter;
 /// @return nothing, or the system's error number when the interpreter could not be started
 std::optional<std::uint32_t> run_command_line(const std::string& command_line,
                                               const char* interpreter = default_interpreter);
+
+/// Creates or overwrites a file. What can't be written is missing from it, without a word; on POSIX
+/// a limit on the size of files (RLIMIT_FSIZE) does not end the process either.
+void write_file(const std::filesystem::path& file, std::string_view content);
 
 /// A text from the host as a path. Windows: from the file-system code page (UTF-8 when the locale
 /// uses code page 65001, else the ANSI code page, or the OEM one when the process chose it);

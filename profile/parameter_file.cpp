@@ -1,10 +1,11 @@
 #include "profile/parameter_file.h"
 
 #include <array>
-#include <fstream>
 #include <string>
 
 #include <nlohmann/json.hpp>
+
+#include "platform/platform.h"
 
 namespace KIVRA::TSHARK::PROFILE {
 
@@ -85,10 +86,7 @@ void write_parameter_file(sink_context& context) {
         context.texts.idrx_reps.empty()) {
         return;
     }
-    const std::string content = profile_from(context.texts).dump(4);
-    std::ofstream file(context.parameter_file, std::ios::binary | std::ios::trunc);
-    file.write(content.data(), static_cast<std::streamsize>(content.size()));
-    file.close();
+    PLATFORM::write_file(context.parameter_file, profile_from(context.texts).dump(4));
     context.texts = {};
 }
 

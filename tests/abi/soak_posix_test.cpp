@@ -1,0 +1,98 @@
+#include <malloc.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/files.h"
+#include "tests/support/host.h"
+
+namespace KIVRA::TSHARK {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using TESTING::host;
+
+/// A record and what its tshark does.
+struct soak_record {
+    const char* format;
+    const char* script;
+    std::int32_t result;
+};
+
+constexpr std::array<soak_record, 6> records{{
+    {"lte_rrc",
+     R"(echo '[{"_source": {"layers": {"lte_rrc": {"lte-rrc.defaultPagingCycle": "2",)"
+     R"("lte-rrc.npdcch_NumRepetitionPaging_r13": "4", "lte-rrc.onDurationTimer": "99"}}}}]')",
+     0},
+    {"nas-eps", "echo '[{\"_source\": {'", 100},
+    {"nas-eps",
+     R"(echo '[{"_source": {"layers": {"nas-eps": {"PDN address": {"a": ["b", 1.5]},)"
+     R"("EPS mobile identity - GUTI": {"e212.gummei.mcc": "242", "e212.gummei.mnc": "1"}}}}}]')",
+     0},
+    {"nas-eps",
+     R"(echo '[{"_source": {"layers": {"nas-eps": {"PDN address": {"a": "b"},)"
+     R"("EPS mobile identity - GUTI": {"e212.gummei.mcc": "x", "e212.gummei.mnc": "1"}}}}}]')",
+     100},
+    {"lte_rrc.dl_dcch", "rm tshark[0-9]*.json", 100},
+    {"lte_rrc.dl_dcch", "kill -9 $$", 100},
+}};
+
+/// What a process holds.
+struct holdings {
+    std::size_t heap;
+    std::size_t descriptors;
+    std::vector<std::string> files;
+};
+
+holdings held() {
+    // Nought under the address sanitizer, which looks for leaks itself.
+    return {::mallinfo2().uordblks, TESTING::names_in("/proc/self/fd").size(),
+            TESTING::names_in(".")};
+}
+
+class soak : public TESTING::scratch_test {
+  protected:
+    void SetUp() override { ASSERT_EQ(host_.init_with_stand_in("profile.json"), 0); }
+
+    void run(std::size_t calls) {
+        for (std::size_t call = 0; call < calls; ++call) {
+            const soak_record& record = records[call % records.size()];
+            TESTING::stand_in_runs(record.script);
+            EXPECT_EQ(host_.data(record.format, "payload"), record.result) << record.script;
+            forget();
+        }
+    }
+
+    host host_;
+
+  private:
+    void forget() {
+        host_.logs = {};
+        host_.texts = {};
+    }
+};
+
+TEST_F(soak, of_2000_records_good_and_bad_leaves_nothing_behind) {
+    run(records.size() * 10);
+    const holdings before = held();
+    run(2'000 / records.size() * records.size() + records.size());
+    const holdings after = held();
+    EXPECT_LT(after.heap, before.heap + 4'096);
+    EXPECT_EQ(after.descriptors, before.descriptors);
+    EXPECT_EQ(after.files, before.files);
+    EXPECT_THAT(after.files, ElementsAre("profile.json", "stand_in.sh"));
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
+}  // namespace
+}  // namespace KIVRA::TSHARK
