@@ -9,7 +9,7 @@ for argument; do
     case $argument in
     [A-Za-z]:[\\/]*)
         drive=$(printf %s "${argument%%:*}" | tr '[:upper:]' '[:lower:]')
-        argument=$WINEPREFIX/dosdevices/$drive:$(printf %s "${argument#*:}" | tr '\\' /)
+        argument=$WINEPREFIX/dosdevices/$drive:$(printf %s "${argument#*:}" | tr '\134' /)
         ;;
     esac
     set -- "$@" "$argument"
