@@ -1,0 +1,207 @@
+"""Measures the build in the folder BUILD against bare tshark and a plain script, and prints what
+came of it: python3 measure.py BUILD [NAME...]. Everything is timed in turn with what it is compared
+with; what counts are the ratios of the pairs."""
+
+import argparse
+import json
+import os
+import pathlib
+import shutil
+import statistics
+import subprocess
+import sys
+import tempfile
+
+import captures
+from processes import peak_mebibytes, seconds_of
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+LTE_M = ROOT / "examples/captures/ltem_attach_psm.pcapng"
+NB_IOT = ROOT / "examples/captures/nbiot_attach.pcapng"
+SAMPLES = [LTE_M, NB_IOT]
+
+# Records of the LTE-M sample: a NAS identity request, and the attach accept within its RRC message.
+SMALL_RECORD = 9
+LARGEST_RECORD = 12
+
+LONG = 2_000
+LONGEST = 100_000
+
+NANOSECONDS = 1e9
+MEBIBYTE = 1 << 20
+
+
+class Bench:
+    """The programs to measure, and a folder for what they read and write."""
+
+    def __init__(self, build, scratch):
+        self.build = build
+        self.scratch = scratch
+        self.tshark = pathlib.Path(shutil.which("tshark"))
+        self.replay = self.build / "kivra-replay"
+
+    def capture(self, count):
+        file = self.scratch / f"{count}.pcapng"
+        captures.write_repeated(file, SAMPLES, count)
+        return file
+
+    def bare_tshark(self, file):
+        return [self.tshark, "-Y", "nas-eps||lte_rrc", "-r", file, "-T", "json"]
+
+    def one_by_one(self, file):
+        return [self.replay, "--json", file]
+
+    def batch(self, file):
+        return [self.replay, "--json", "--batch", file]
+
+    def plain(self, output):
+        operators = ROOT / "data/operators.json"
+        return [sys.executable, ROOT / "bench/plain.py", output, operators, "plain-profile.json"]
+
+    def plugin_costs(self, what, *arguments):
+        plugin = self.build / "kivra-tshark-sink.so"
+        program = self.build / "bench/plugin_costs"
+        return [program, what, plugin, self.tshark.parent, *map(str, arguments)]
+
+    def plugin_pairs(self, what, *arguments):
+        """Pairs of seconds."""
+        command = self.plugin_costs(what, *arguments)
+        lines = subprocess.run(command, check=True, capture_output=True, text=True).stdout
+        return [[int(time) / NANOSECONDS for time in line.split()] for line in lines.splitlines()]
+
+
+def show(what, value, target, met):
+    print(f"{what:<58} {value:<34} {target:<17} {'' if met else 'MISSED'}".rstrip(), flush=True)
+
+
+def seconds(time):
+    return f"{time:.2f} s" if time >= 1 else f"{time * 1e3:.1f} ms"
+
+
+def show_ratio(what, pairs, at_most):
+    ratios = [first / second for first, second in pairs]
+    low, median, high = statistics.quantiles(ratios, n=4) if len(ratios) > 1 else ratios * 3
+    value = f"{median:.3f} ({low:.3f} to {high:.3f}, {len(pairs)} pairs)"
+    show(what, value, f"at most {at_most}", median <= at_most)
+    first, second = (seconds(statistics.median(side)) for side in zip(*pairs))
+    print(f"    medians: {first} and {second}")
+
+
+def show_speedup(what, pairs, at_least=None):
+    speedups = [second / first for first, second in pairs]
+    median = statistics.median(speedups)
+    value = f"{median:.1f} times as fast ({min(speedups):.1f} to {max(speedups):.1f})"
+    target = "" if at_least is None else f"at least {at_least}"
+    show(what, value, target, at_least is None or median >= at_least)
+    first, second = (seconds(statistics.median(side)) for side in zip(*pairs))
+    print(f"    medians: {first} and {second}, {len(pairs)} pairs")
+
+
+def show_memory(what, mebibytes, below=None):
+    target = "" if below is None else f"below {below} MiB"
+    show(what, f"{mebibytes:.1f} MiB", target, below is None or mebibytes < below)
+
+
+def measure_data(bench):
+    """A data call against bare tshark."""
+    for what, record, target in [
+        ("data call / tshark, small NAS record", SMALL_RECORD, 1.03),
+        ("data call / tshark, record with the largest dissection", LARGEST_RECORD, 1.05),
+    ]:
+        show_ratio(what, bench.plugin_pairs("data", 40, LTE_M, record), target)
+
+
+def measure_init(bench):
+    """Init against parsing the operator list, and what a context holds."""
+    show_ratio("init / parsing the operator list", bench.plugin_pairs("init", 100), 1.25)
+    heap = subprocess.run(bench.plugin_costs("heap"), check=True, capture_output=True).stdout
+    show_memory("heap of a context", int(heap) / MEBIBYTE, 8)
+
+
+def measure_batch(bench):
+    """A batch against bare tshark on the records that it hands to tshark."""
+    capture = bench.capture(LONG)
+    tshark_records = bench.scratch / "for-tshark.pcapng"
+    captures.write_repeated(tshark_records, SAMPLES, LONG, captures.is_for_tshark)
+    pairs = [
+        (
+            seconds_of(bench.batch(capture), "batch.jsonl"),
+            seconds_of(bench.bare_tshark(tshark_records), "tshark.json"),
+        )
+        for _ in range(20)
+    ]
+    show_ratio(f"batch / tshark, {LONG:,} records", pairs, 1.5)
+
+
+def measure_single(bench):
+    """A batch against a tshark for each record; takes minutes."""
+    capture = bench.capture(LONG)
+    pair = (
+        seconds_of(bench.batch(capture), "batch.jsonl"),
+        seconds_of(bench.one_by_one(capture), "single.jsonl"),
+    )
+    show_speedup(f"batch against record by record, {LONG:,} records", [pair], 100)
+
+
+def documents(file):
+    """The result documents by their records' numbers."""
+    with open(file, encoding="utf-8") as lines:
+        return {line["number"]: line.get("result") for line in map(json.loads, lines)}
+
+
+def measure_plain(bench):
+    """A batch against tshark and a plain script on its output."""
+    capture = bench.capture(LONG)
+
+    def tshark_and_plain():
+        tshark = seconds_of(bench.bare_tshark(capture), "tshark.json")
+        return tshark + seconds_of(bench.plain("tshark.json"), "plain.jsonl")
+
+    pairs = [
+        (seconds_of(bench.batch(capture), "batch.jsonl"), tshark_and_plain()) for _ in range(10)
+    ]
+    found = documents("batch.jsonl")
+    if any(found[number] != result for number, result in documents("plain.jsonl").items()):
+        raise RuntimeError("the plain script has other results")
+    show_speedup(f"batch against tshark and plain.py, {LONG:,} records", pairs)
+    peak = peak_mebibytes(bench.plain("tshark.json"), "plain.jsonl")
+    show_memory(f"peak memory of plain.py, {LONG:,} records", peak)
+
+
+def measure_memory(bench):
+    """The most memory that each way takes, tshark apart."""
+    host = bench.plugin_costs("data", 5, LTE_M, LARGEST_RECORD)
+    show_memory("peak memory of a host, largest dissection", peak_mebibytes(host, "/dev/null"))
+    few = bench.one_by_one(LTE_M)
+    show_memory("peak memory of record by record", peak_mebibytes(few, "/dev/null"))
+    for count in LONG, LONGEST:
+        command = bench.batch(bench.capture(count))
+        peak = peak_mebibytes(command, "/dev/null")
+        show_memory(f"peak memory of a batch, {count:,} records", peak, 32)
+
+
+MEASUREMENTS = {
+    "data": measure_data,
+    "init": measure_init,
+    "batch": measure_batch,
+    "plain": measure_plain,
+    "memory": measure_memory,
+    "single": measure_single,
+}
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("build", type=pathlib.Path)
+    parser.add_argument("names", nargs="*", choices=[[], *MEASUREMENTS])
+    wanted = parser.parse_args()
+    build = wanted.build.resolve()
+    with tempfile.TemporaryDirectory(dir=build) as scratch:
+        os.chdir(scratch)
+        bench = Bench(build, pathlib.Path(scratch))
+        for name in wanted.names or MEASUREMENTS:
+            MEASUREMENTS[name](bench)
+
+
+if __name__ == "__main__":
+    main()
