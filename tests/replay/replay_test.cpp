@@ -521,7 +521,7 @@ TEST_F(kivra_replay, shows_its_progress_on_a_terminal_and_clears_it) {
     write_capture("c.pcapng", {ip_packet, ip_packet});
     const auto result = run({"c.pcapng"}, {.error_is_terminal = true});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.error, AllOf(StartsWith("\r\033[K["), HasSubstr("%  record 0"),
+    EXPECT_THAT(result.error, AllOf(StartsWith("\r\033[K["), HasSubstr("%  record 1"),
                                     EndsWith("\r\033[K"), Not(HasSubstr("records"))));
     EXPECT_THAT(result.output, Not(HasSubstr("%")));
 }
