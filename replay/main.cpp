@@ -1,5 +1,6 @@
 /// kivra-replay: the plug-in's work for the command line. It runs the records of captures through
 /// the plug-in, or through one tshark by the plug-in's rules, and shows what comes of them.
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -21,6 +22,16 @@ namespace {
 
 using namespace KIVRA::TSHARK::REPLAY;
 
+/// Keeps files from being opened as standard streams that the caller has closed. What takes their
+/// place can't be used, so that a report that goes nowhere is still an error.
+void occupy_standard_streams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) == -1) {
+            static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+        }
+    }
+}
+
 int run_command_line(int count, const char* const* arguments) {
     const auto wanted = read_command_line(count, arguments);
     if (const auto* text = std::get_if<std::string>(&wanted)) {
@@ -36,6 +47,7 @@ int run_command_line(int count, const char* const* arguments) {
 }  // namespace
 
 int main(int count, char** arguments) {
+    occupy_standard_streams();
     // A reader that goes away is noticed as a failed write, and everything is tidied up first.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {

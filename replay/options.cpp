@@ -11,9 +11,9 @@ namespace {
 
 constexpr const char* exit_statuses =
     "Exit status:\n"
-    "  0  every record went through\n"
-    "  1  some records failed\n"
-    "  2  the run could not start, or could not go on to the end\n"
+    "  0    every record went through\n"
+    "  1    some records failed\n"
+    "  2    the run could not start, or could not go on to the end\n"
     "  130  interrupted";
 
 std::string reject_empty(const std::string& value) {

@@ -89,12 +89,11 @@ exit_status replay_run::run(const std::string& heading, capture_stream& records,
         out_.flush();
     }
     while (!interrupted()) {
-        bar.draw(records.position(), number_);
         const auto packet = next_of(records);
         if (!packet) {
             break;
         }
-        ++number_;
+        bar.draw(records.position(), ++number_);
         const auto result = runner.run(*packet);
         bar.clear();
         report(*packet, result);

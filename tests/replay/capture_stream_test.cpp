@@ -21,6 +21,7 @@ using paths = std::vector<std::filesystem::path>;
 
 std::string image_of(const std::vector<std::string>& formats) {
     std::vector<image_packet> packets;
+    packets.reserve(formats.size());
     for (const auto& format : formats) {
         packets.push_back({exported_pdu_image(format, "message"), 0});
     }

@@ -495,6 +495,19 @@ TEST_F(kivra_replay, serves_a_reader_of_its_first_line) {
     EXPECT_TRUE(one_line(result.output));
 }
 
+TEST_F(kivra_replay, complains_of_closed_standard_streams) {
+    write_capture("c.pcapng", {ip_packet});
+    for (const std::string road : {"--json", "--batch"}) {
+        const auto result =
+            run_process({"/bin/bash", "-c", KIVRA_REPLAY " c.pcapng " + road + " >&-"});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.error, "kivra-replay: can't write the report: Bad file descriptor\n");
+    }
+    const auto result = run_process({"/bin/bash", "-c", KIVRA_REPLAY " - <&-"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.error, StartsWith("kivra-replay: can't read standard input: "));
+}
+
 TEST_F(kivra_replay, cancels_and_releases_when_its_output_can_not_be_written) {
     write_capture("c.pcapng", {{exported_pdu_image("document", "m"), 7}});
     const auto result =
@@ -508,7 +521,7 @@ TEST_F(kivra_replay, shows_its_progress_on_a_terminal_and_clears_it) {
     write_capture("c.pcapng", {ip_packet, ip_packet});
     const auto result = run({"c.pcapng"}, {.error_is_terminal = true});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.error, AllOf(StartsWith("\r\033[K["), HasSubstr("%  record 0"),
+    EXPECT_THAT(result.error, AllOf(StartsWith("\r\033[K["), HasSubstr("%  record 1"),
                                     EndsWith("\r\033[K"), Not(HasSubstr("records"))));
     EXPECT_THAT(result.output, Not(HasSubstr("%")));
 }
