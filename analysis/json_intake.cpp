@@ -19,22 +19,25 @@ bool is_packet(const nlohmann::json& value) {
     return source != value.end() && source->is_object() && source->contains("layers");
 }
 
-/// How many brackets of a valid JSON text are open at once.
-std::size_t deepest_place(std::string_view text) {
-    json_nesting nesting;
-    std::size_t deepest = 0;
-    for (const char c : text) {
-        nesting.take(c);
-        deepest = std::max(deepest, nesting.depth());
+/// Whether more brackets of a valid JSON text are open at once than may be.
+bool is_too_deep(std::string_view text) {
+    // What has no more brackets, as most outputs, needs no closer look.
+    if (std::ranges::count(text, '{') + std::ranges::count(text, '[') <=
+        std::ptrdiff_t{deepest_nesting}) {
+        return false;
     }
-    return deepest;
+    json_nesting nesting;
+    return std::ranges::any_of(text, [&nesting](char c) {
+        nesting.take(c);
+        return nesting.depth() > deepest_nesting;
+    });
 }
 
 /// The library parses and destroys without recursion; all that follows recurses.
 nlohmann::json parse_output(const std::string& text) {
     nlohmann::json parsed = nlohmann::json::parse(text);
     // A NUL ends the text for the library.
-    if (deepest_place(std::string_view(text).substr(0, text.find('\0'))) > deepest_nesting) {
+    if (is_too_deep(std::string_view(text).substr(0, text.find('\0')))) {
         throw std::runtime_error("output of tshark is nested more than " +
                                  std::to_string(deepest_nesting) + " levels deep");
     }

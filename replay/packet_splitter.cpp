@@ -33,13 +33,17 @@ std::uint64_t frame_number(std::string_view packet) {
 std::optional<split_packet> packet_splitter::next() {
     std::string packet;
     while (position_ < piece_.size() || read_on()) {
-        const char c = piece_[position_++];
-        nesting_.take(c);
+        const std::size_t begin = position_;
+        nesting_.take(piece_[position_++]);
         began_ = began_ || nesting_.depth() != 0;
-        if (!packet.empty() || nesting_.depth() > packet_depth) {
-            packet += c;
+        if (nesting_.depth() <= packet_depth && packet.empty()) {
+            continue;
         }
-        if (!packet.empty() && nesting_.depth() == packet_depth) {
+        while (position_ < piece_.size() && nesting_.depth() > packet_depth) {
+            nesting_.take(piece_[position_++]);
+        }
+        packet.append(piece_, begin, position_ - begin);
+        if (nesting_.depth() == packet_depth) {
             return split_packet{frame_number(packet), "[\n  " + packet + "\n]\n"};
         }
     }
