@@ -30,7 +30,7 @@ TIMERS = [
     ("GPRS Timer - T3412 value", "gprs_timer", UNITS, "gprs_timer_T3412_value"),
     ("GPRS Timer - T3402 value", "gprs_timer", UNITS, "gprs_timer_T3402_extended_value"),
 ]
-CAUSES = {50: "PDN type IPv4 only allowed"}
+CAUSES = {27: "Missing or unknown APN", 50: "PDN type IPv4 only allowed"}
 
 
 def search(tree, matches):
@@ -161,37 +161,43 @@ def result_of(layers, operators):
     return {"nas-eps": result} if result else None
 
 
-def learn(result, profile):
-    profile |= {
-        name: value for name, value in result.get("lte-rrc", {}).items() if "drx_" in name
-    }
+def learn(result, known):
+    known |= {name: value for name, value in result.get("lte-rrc", {}).items() if "drx_" in name}
     nas = result.get("nas-eps", {})
     for member, target in [
         ("gprs_timer_2_T3324_value", "config_lte_psm_req_rat"),
         ("gprs_timer_3_T3412_extended_value", "config_lte_psm_req_rptau"),
     ]:
         if member in nas:
-            profile[target] = nas[member]["bitmask"]
+            known[target] = nas[member]["bitmask"]
+
+
+def write_profile(path, known):
+    with open(path, "w", encoding="utf-8") as profile:
+        json.dump(known, profile, indent=4, sort_keys=True)
+
+
+def line_of(layers, result):
+    seconds = float(layers["frame"]["frame.time_epoch"])
+    time = datetime.datetime.fromtimestamp(seconds, datetime.timezone.utc)
+    number = int(layers["frame"]["frame.number"])
+    return json.dumps(
+        {"number": number, "time": time.isoformat(), "result": result}, ensure_ascii=False
+    )
 
 
 def main(packets_file, operators_file, profile_file):
     operators = read_operators(operators_file)
-    profile = {}
+    known = {}
     for packet in read_packets(packets_file):
         layers = packet["_source"]["layers"]
         result = result_of(layers, operators)
         if result is not None:
-            learn(result, profile)
-        seconds = float(layers["frame"]["frame.time_epoch"])
-        time = datetime.datetime.fromtimestamp(seconds, datetime.timezone.utc)
-        line = {
-            "number": int(layers["frame"]["frame.number"]),
-            "time": time.isoformat(),
-            "result": result,
-        }
-        print(json.dumps(line, ensure_ascii=False))
-    with open(profile_file, "w", encoding="utf-8") as target:
-        json.dump(profile, target, indent=4)
+            learn(result, known)
+        if "idrx_int" in known and "idrx_reps" in known:
+            write_profile(profile_file, known)
+            known = {}
+        print(line_of(layers, result))
 
 
 if __name__ == "__main__":
