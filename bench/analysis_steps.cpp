@@ -16,7 +16,7 @@ namespace {
 void make_pcapng_image(benchmark::State& state) {
     // About as long as an attach accept within its RRC message.
     const std::vector<std::uint8_t> payload(150, 0x5A);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(pcapng_image("lte_rrc.dl_dcch", payload, 1'764'000'000'000'000));
     }
 }
@@ -24,7 +24,7 @@ BENCHMARK(make_pcapng_image);
 
 void number_names(benchmark::State& state, const char* sample) {
     const std::string output = BENCH::sample_output(sample);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(number_repeated_names(output));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(output.size()));
@@ -34,7 +34,7 @@ BENCHMARK_CAPTURE(number_names, largest_dissection, BENCH::largest_dissection);
 void take_output_in(benchmark::State& state, const char* sample) {
     sink_context context(nullptr, nullptr, "tshark", "output-that-never-exists", {});
     const std::string output = BENCH::sample_output(sample);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(take_in(context, output));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(output.size()));

@@ -15,7 +15,7 @@ namespace KIVRA::TSHARK::PARSER {
 namespace {
 
 void load_operator_list(benchmark::State& state) {
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         auto operators = load_operators(DATA::embedded_operators());
         benchmark::DoNotOptimize(operators);
         // Its end is no part of the loading.
@@ -31,7 +31,7 @@ void find_network(benchmark::State& state, std::int32_t mcc, std::int32_t mnc) {
     if (find_operator(operators, mcc, mnc) == nullptr) {
         state.SkipWithError("the network is not in the list");
     }
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(find_operator(operators, mcc, mnc));
     }
 }
@@ -42,7 +42,7 @@ BENCHMARK_CAPTURE(find_network, last, 704, 3);
 void search_largest_dissection(benchmark::State& state, const char* field) {
     const auto packet = BENCH::sample_packet(BENCH::largest_dissection);
     const auto& dissection = layer(packet, "lte_rrc");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(find_in_tree(dissection, field));
     }
 }
@@ -54,7 +54,7 @@ void parse_packet(benchmark::State& state, const char* sample) {
     const auto packet = BENCH::sample_packet(sample);
     const auto parser = std::ranges::find_if(
         parsers, [&packet](const auto& candidate) { return candidate->accepts(packet); });
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         nlohmann::json result;
         (*parser)->parse(packet, result);
         benchmark::DoNotOptimize(result);

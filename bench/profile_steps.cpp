@@ -13,7 +13,7 @@ namespace {
 void write_profile(benchmark::State& state) {
     const std::filesystem::path file = "/dev/shm/kivra-profile-benchmark.json";
     sink_context context(nullptr, nullptr, "tshark", "output-that-never-exists", file);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         context.texts = {"00000101", "01000111", "100", "32", "2.56", "30", "10"};
         write_parameter_file(context);
     }
