@@ -39,10 +39,6 @@ class working_files {
     const std::filesystem::path& output_;
 };
 
-bool is_for_tshark(std::string_view format) {
-    return format == "nas-eps" || format.find("lte_rrc") != std::string_view::npos;
-}
-
 void log_duration(const sink_context& context, steady_clock::time_point start) {
     const auto taken =
         std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - start);
@@ -70,12 +66,14 @@ void run_tshark(sink_context& context, const kivra_trace_chunk& chunk,
 
     const nlohmann::json result = take_in(context, read_output(context.tshark_output));
     log_duration(context, start);
-    if (!result.empty()) {
-        hand_back(chunk, result, receiver);
-    }
+    hand_back(chunk, result, receiver);
 }
 
 }  // namespace
+
+bool is_for_tshark(std::string_view format) {
+    return format == "nas-eps" || format.find("lte_rrc") != std::string_view::npos;
+}
 
 void analyse_record(sink_context& context, const kivra_trace_chunk& chunk,
                     const chunk_receiver& receiver, const char* interpreter) {

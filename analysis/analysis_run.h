@@ -2,6 +2,8 @@
 /// IP packets, nothing for the rest.
 #pragma once
 
+#include <string_view>
+
 #include <kivra/tshark_sink.h>
 
 #include "analysis/annotated_chunk.h"
@@ -9,6 +11,10 @@
 #include "platform/platform.h"
 
 namespace KIVRA::TSHARK::ANALYSIS {
+
+/// Whether records of this format go through tshark: NAS messages of EPS, and LTE RRC messages of
+/// every channel.
+bool is_for_tshark(std::string_view format);
 
 /// Blocks until tshark has ended. The capture file and tshark's output are gone when it returns or
 /// throws; a file that can't be deleted ends the process. A tshark that can't be started is logged

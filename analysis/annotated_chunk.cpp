@@ -6,7 +6,7 @@ namespace KIVRA::TSHARK::ANALYSIS {
 
 void hand_back(const kivra_trace_chunk& chunk, const nlohmann::json& document,
                const chunk_receiver& receiver) {
-    if (receiver.callback == nullptr) {
+    if (receiver.callback == nullptr || document.empty()) {
         return;
     }
     const std::string text = document.dump(4);

@@ -13,7 +13,7 @@ struct chunk_receiver {
 };
 
 /// Hands the host its own record with the document as text: indented by 4 blanks, non-ASCII
-/// characters as they are. Does nothing without a callback.
+/// characters as they are. Does nothing without a callback, or for an empty document.
 /// @throws nlohmann::json::type_error 316 for a document that holds a text that is no UTF-8
 void hand_back(const kivra_trace_chunk& chunk, const nlohmann::json& document,
                const chunk_receiver& receiver);

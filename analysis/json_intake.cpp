@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "analysis/json_nesting.h"
 #include "profile/result_mapping.h"
 
 namespace KIVRA::TSHARK::ANALYSIS {
@@ -19,21 +20,12 @@ bool is_packet(const nlohmann::json& value) {
 }
 
 /// How many brackets of a valid JSON text are open at once.
-std::size_t nesting_of(std::string_view text) {
-    std::size_t depth = 0;
+std::size_t deepest_place(std::string_view text) {
+    json_nesting nesting;
     std::size_t deepest = 0;
-    bool in_string = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (in_string && c == '\\') {
-            ++i;
-        } else if (c == '"') {
-            in_string = !in_string;
-        } else if (!in_string && (c == '[' || c == '{')) {
-            deepest = std::max(deepest, ++depth);
-        } else if (!in_string && (c == ']' || c == '}')) {
-            --depth;
-        }
+    for (const char c : text) {
+        nesting.take(c);
+        deepest = std::max(deepest, nesting.depth());
     }
     return deepest;
 }
@@ -42,7 +34,7 @@ std::size_t nesting_of(std::string_view text) {
 nlohmann::json parse_output(const std::string& text) {
     nlohmann::json parsed = nlohmann::json::parse(text);
     // A NUL ends the text for the library.
-    if (nesting_of(std::string_view(text).substr(0, text.find('\0'))) > deepest_nesting) {
+    if (deepest_place(std::string_view(text).substr(0, text.find('\0'))) > deepest_nesting) {
         throw std::runtime_error("output of tshark is nested more than " +
                                  std::to_string(deepest_nesting) + " levels deep");
     }

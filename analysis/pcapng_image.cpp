@@ -94,8 +94,15 @@ void write_exported_pdu(image_writer& image, std::string_view format,
 
 }  // namespace
 
-std::string pcapng_image(std::string_view format, std::span<const std::uint8_t> payload,
-                         std::uint64_t timestamp) {
+std::string pcapng_head() {
+    image_writer image(section_header_length + interface_description_length);
+    write_section_header(image);
+    write_interface_description(image);
+    return std::move(image).take();
+}
+
+std::string pcapng_packet(std::string_view format, std::span<const std::uint8_t> payload,
+                          std::uint64_t timestamp) {
     if (format.size() > longest_tag) {
         throw std::length_error("format of a record is longer than 65532 bytes");
     }
@@ -108,10 +115,7 @@ std::string pcapng_image(std::string_view format, std::span<const std::uint8_t> 
     const auto block_length = static_cast<std::uint32_t>(packet_length);
     const auto captured_length = static_cast<std::uint32_t>(pdu_length);
 
-    image_writer image(section_header_length + interface_description_length + packet_length);
-    write_section_header(image);
-    write_interface_description(image);
-
+    image_writer image(packet_length);
     image.little_endian<std::uint32_t>(6);
     image.little_endian(block_length);
     image.little_endian<std::uint32_t>(0);
@@ -124,6 +128,11 @@ std::string pcapng_image(std::string_view format, std::span<const std::uint8_t> 
     image.end_of_options();
     image.little_endian(block_length);
     return std::move(image).take();
+}
+
+std::string pcapng_image(std::string_view format, std::span<const std::uint8_t> payload,
+                         std::uint64_t timestamp) {
+    return pcapng_head() + pcapng_packet(format, payload, timestamp);
 }
 
 }  // namespace KIVRA::TSHARK::ANALYSIS

@@ -1,5 +1,5 @@
-/// The capture file that tshark reads: one record, as an exported PDU, in a pcapng file of three
-/// blocks (section header, interface description, enhanced packet).
+/// The capture file that tshark reads: records as exported PDUs in a pcapng file. A section header
+/// and an interface description make its head; an enhanced packet block for each record follows.
 ///
 /// Sources: the pcapng format (IETF draft-ietf-opsawg-pcapng) for the blocks, the registry of link
 /// types for 252 (upper-layer PDUs exported by Wireshark), Wireshark's exported-PDU tags for the
@@ -13,10 +13,18 @@
 
 namespace KIVRA::TSHARK::ANALYSIS {
 
-/// The whole file, little-endian but for the exported PDU's tags.
+/// The two blocks that a file begins with, little-endian.
+std::string pcapng_head();
+
+/// The block of a record, little-endian but for the exported PDU's tags.
 /// @param format the Wireshark dissector for the payload, at most 65,532 bytes
 /// @param timestamp microseconds since 1970-01-01
 /// @throws std::length_error when a length does not fit its field
+std::string pcapng_packet(std::string_view format, std::span<const std::uint8_t> payload,
+                          std::uint64_t timestamp);
+
+/// The whole file of one record: the head and the record's block.
+/// @throws std::length_error as `pcapng_packet` does
 std::string pcapng_image(std::string_view format, std::span<const std::uint8_t> payload,
                          std::uint64_t timestamp);
 

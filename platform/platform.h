@@ -19,7 +19,8 @@ extern const char* const default_interpreter;
 
 /// Hands a command line of the form `cmd /c "..."` to the interpreter and waits, without a limit,
 /// until it has ended. It gets the host's environment and current directory, but no handle, and on
-/// POSIX neither the signal mask nor an ignored SIGCHLD or SIGPIPE. The exit status is not read.
+/// POSIX neither the signal mask nor an ignored SIGCHLD or SIGPIPE. It stands in a process group of
+/// its own (Windows: without a console), which keeps Ctrl-C from it. The exit status is not read.
 ///
 /// On POSIX the text between the outer quotes goes to `sh -c`, with what cmd takes literally and
 /// sh would not ($, ` and \) escaped.

@@ -46,7 +46,8 @@ class child_descriptors {
 };
 
 /// No signal blocked, and those that hosts tend to ignore back at their defaults: an ignored
-/// SIGCHLD or SIGPIPE would otherwise reach tshark.
+/// SIGCHLD or SIGPIPE would otherwise reach tshark. A process group of its own: what the terminal
+/// sends to the host's, as on Ctrl-C, is for the host to act on.
 class child_signals {
   public:
     child_signals() {
@@ -57,7 +58,8 @@ class child_signals {
         sigaddset(&set, SIGCHLD);
         sigaddset(&set, SIGPIPE);
         posix_spawnattr_setsigdefault(&attributes_, &set);
-        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        posix_spawnattr_setflags(
+            &attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
     }
     ~child_signals() { posix_spawnattr_destroy(&attributes_); }
     child_signals(const child_signals&) = delete;

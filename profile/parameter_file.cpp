@@ -1,7 +1,7 @@
 #include "profile/parameter_file.h"
 
+#include <algorithm>
 #include <array>
-#include <string>
 
 #include <nlohmann/json.hpp>
 
@@ -45,33 +45,22 @@ constexpr std::array<profile_member, 31> defaults{{
     {"voltage", "3.7"},
 }};
 
-void replace_if_known(nlohmann::json& profile, std::string_view name, const std::string& text) {
-    if (!text.empty()) {
-        profile[name] = text;
-    }
-}
-
-/// Both timers or neither: a modem that asks for one of them alone gets no power saving mode.
-void set_power_saving_mode(nlohmann::json& profile, const profile_texts& texts) {
-    if (texts.t3324_bitmask.empty() || texts.t3412_extended_bitmask.empty()) {
-        return;
-    }
-    profile["psm"] = "True";
-    profile["config_lte_psm_req_rat"] = texts.t3324_bitmask;
-    profile["config_lte_psm_req_rptau"] = texts.t3412_extended_bitmask;
-}
-
 nlohmann::json profile_from(const profile_texts& texts) {
     nlohmann::json profile;
     for (const auto& [name, value] : defaults) {
         profile[name] = value;
     }
-    replace_if_known(profile, "cdrx_inactive_timer", texts.cdrx_inactive_timer);
-    replace_if_known(profile, "cdrx_int", texts.cdrx_int);
-    replace_if_known(profile, "cdrx_on_duration", texts.cdrx_on_duration);
-    replace_if_known(profile, "idrx_int", texts.idrx_int);
-    replace_if_known(profile, "idrx_reps", texts.idrx_reps);
-    set_power_saving_mode(profile, texts);
+    for (const auto& [member, text] : replacing_texts) {
+        if (!(texts.*text).empty()) {
+            profile[member] = texts.*text;
+        }
+    }
+    if (save_power(texts)) {
+        profile[power_saving_member] = "True";
+        for (const auto& [member, text] : power_saving_texts) {
+            profile[member] = texts.*text;
+        }
+    }
     return profile;
 }
 
@@ -81,9 +70,17 @@ std::span<const profile_member> profile_defaults() {
     return defaults;
 }
 
+bool suffice_for_file(const profile_texts& texts) {
+    return !texts.idrx_int.empty() && !texts.idrx_reps.empty();
+}
+
+bool save_power(const profile_texts& texts) {
+    return std::ranges::all_of(power_saving_texts,
+                               [&](const auto& value) { return !(texts.*value.text).empty(); });
+}
+
 void write_parameter_file(sink_context& context) {
-    if (context.parameter_file.empty() || context.texts.idrx_int.empty() ||
-        context.texts.idrx_reps.empty()) {
+    if (context.parameter_file.empty() || !suffice_for_file(context.texts)) {
         return;
     }
     PLATFORM::write_file(context.parameter_file, profile_from(context.texts).dump(4));

@@ -11,7 +11,11 @@ namespace KIVRA::TSHARK::PROFILE {
 
 namespace {
 
-void carry_lte_rrc(const nlohmann::json& lte_rrc, profile_texts& texts) {
+void carry_lte_rrc(const nlohmann::json& result, profile_texts& texts) {
+    if (!result.contains("lte-rrc")) {
+        return;
+    }
+    const auto& lte_rrc = result["lte-rrc"];
     const auto carry = [&lte_rrc](std::string_view member, std::string& text) {
         if (lte_rrc.contains(member)) {
             text = lte_rrc.at(member).get<std::string>();
@@ -24,22 +28,33 @@ void carry_lte_rrc(const nlohmann::json& lte_rrc, profile_texts& texts) {
     carry("idrx_int", texts.idrx_int);
 }
 
+void carry_pdn(const nlohmann::json& result, nlohmann::json& carried_state) {
+    if (result.contains("nas-eps") && result["nas-eps"].contains("pdn")) {
+        carried_state["nas-eps"]["pdn"] = result["nas-eps"]["pdn"];
+    }
+}
+
 void carry_bitmask(nlohmann::json& nas_eps, std::string_view timer, std::string& text) {
     if (nas_eps.contains(timer)) {
         text = nas_eps[timer]["bitmask"].get<std::string>();
     }
 }
 
-void carry_nas_eps(nlohmann::json& nas_eps, sink_context& context) {
-    if (nas_eps.contains("pdn")) {
-        context.carried_state["nas-eps"]["pdn"] = nas_eps["pdn"];
+void carry_bitmasks(nlohmann::json& result, profile_texts& texts) {
+    if (!result.contains("nas-eps")) {
+        return;
     }
-    carry_bitmask(nas_eps, "gprs_timer_3_T3412_extended_value",
-                  context.texts.t3412_extended_bitmask);
-    carry_bitmask(nas_eps, "gprs_timer_2_T3324_value", context.texts.t3324_bitmask);
+    auto& nas_eps = result["nas-eps"];
+    carry_bitmask(nas_eps, "gprs_timer_3_T3412_extended_value", texts.t3412_extended_bitmask);
+    carry_bitmask(nas_eps, "gprs_timer_2_T3324_value", texts.t3324_bitmask);
 }
 
 }  // namespace
+
+void carry_texts(nlohmann::json& result, profile_texts& texts) {
+    carry_lte_rrc(result, texts);
+    carry_bitmasks(result, texts);
+}
 
 void map_packet(sink_context& context, const nlohmann::json& packet, nlohmann::json& result) {
     const auto parser = std::ranges::find_if(
@@ -49,12 +64,9 @@ void map_packet(sink_context& context, const nlohmann::json& packet, nlohmann::j
     }
     (*parser)->parse(packet, result);
 
-    if (result.contains("lte-rrc")) {
-        carry_lte_rrc(result["lte-rrc"], context.texts);
-    }
-    if (result.contains("nas-eps")) {
-        carry_nas_eps(result["nas-eps"], context);
-    }
+    carry_lte_rrc(result, context.texts);
+    carry_pdn(result, context.carried_state);
+    carry_bitmasks(result, context.texts);
     write_parameter_file(context);
 }
 

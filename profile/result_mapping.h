@@ -9,6 +9,10 @@
 
 namespace KIVRA::TSHARK::PROFILE {
 
+/// Takes the values of the power profile out of a result document; those that it lacks stay.
+/// @throws nlohmann::json::type_error when one is no text; those before it have been taken
+void carry_texts(nlohmann::json& result, profile_texts& texts);
+
 /// Nothing happens to a packet that no parser accepts.
 /// @param result the data call's result document
 /// @throws nlohmann::json::type_error when a value to be carried is no text, and whatever the

@@ -1,5 +1,8 @@
 #include "replay/capture.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -16,20 +19,38 @@ namespace {
 
 constexpr std::array<int, 3> ip_link_types{DLT_RAW, DLT_IPV4, DLT_IPV6};
 
-[[noreturn]] void fail(const std::filesystem::path& file, const std::string& reason) {
-    throw std::runtime_error("can't read " + file.string() + ": " + reason);
+[[noreturn]] void fail(const std::string& name, const std::string& reason) {
+    throw std::runtime_error("can't read " + name + ": " + reason);
 }
 
-pcap_t* open(const std::filesystem::path& file) {
-    std::FILE* stream = std::fopen(file.c_str(), "rb");
+[[noreturn]] void fail_for_system(const std::string& name) {
+    fail(name, std::generic_category().message(errno));
+}
+
+bool is_standard_input(const std::filesystem::path& file) {
+    return file == "-";
+}
+
+std::string name_of(const std::filesystem::path& file) {
+    return is_standard_input(file) ? "standard input" : file.string();
+}
+
+std::FILE* open(const std::filesystem::path& file) {
+    if (is_standard_input(file)) {
+        return fdopen(dup(STDIN_FILENO), "rb");
+    }
+    return std::fopen(file.c_str(), "rb");
+}
+
+pcap_t* read_head(const std::string& name, std::FILE* stream) {
     if (stream == nullptr) {
-        fail(file, std::generic_category().message(errno));
+        fail_for_system(name);
     }
     std::array<char, PCAP_ERRBUF_SIZE> reason{};
     pcap_t* handle = pcap_fopen_offline(stream, reason.data());
     if (handle == nullptr) {
         static_cast<void>(std::fclose(stream));
-        fail(file, reason.data());
+        fail(name, reason.data());
     }
     return handle;
 }
@@ -41,11 +62,17 @@ std::string link_type_name(int link_type) {
 
 }  // namespace
 
-capture::capture(std::filesystem::path file) : file_(std::move(file)), handle_(open(file_)) {
+capture::capture(const std::filesystem::path& file) : capture(name_of(file), open(file)) {}
+
+capture::capture(const std::filesystem::path& file, const working_file& copy)
+    : capture(name_of(file), open(copy.path())) {}
+
+capture::capture(std::string name, std::FILE* stream)
+    : name_(std::move(name)), handle_(read_head(name_, stream)) {
     const int link_type = pcap_datalink(handle_.get());
     holds_ip_packets_ = std::ranges::find(ip_link_types, link_type) != ip_link_types.end();
     if (!holds_ip_packets_ && link_type != DLT_WIRESHARK_UPPER_PDU) {
-        fail(file_, "unsupported link type " + link_type_name(link_type) +
+        fail(name_, "unsupported link type " + link_type_name(link_type) +
                         " (exported PDUs and raw IP packets are supported)");
     }
 }
@@ -58,7 +85,7 @@ std::optional<record> capture::next() {
         return std::nullopt;
     }
     if (result != 1) {
-        fail(file_, pcap_geterr(handle_.get()));
+        fail(name_, pcap_geterr(handle_.get()));
     }
 
     record packet;
@@ -84,14 +111,31 @@ std::optional<record> capture::next() {
 }
 
 std::uint64_t capture::size() const {
-    std::error_code no_regular_file;
-    const auto size = std::filesystem::file_size(file_, no_regular_file);
-    return no_regular_file ? 0 : size;
+    struct stat status {};
+    const bool known = fstat(fileno(pcap_file(handle_.get())), &status) == 0;
+    return known && S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
 std::uint64_t capture::position() const {
     const auto position = ftello(pcap_file(handle_.get()));
     return position < 0 ? 0 : static_cast<std::uint64_t>(position);
+}
+
+working_file copy_of_capture(const std::filesystem::path& file) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(open(file), std::fclose);
+    if (stream == nullptr) {
+        fail_for_system(name_of(file));
+    }
+    working_file copy;
+    std::array<char, 65'536> piece{};
+    while (const auto count = std::fread(piece.data(), 1, piece.size(), stream.get())) {
+        copy.write({piece.data(), count});
+    }
+    if (std::ferror(stream.get()) != 0) {
+        fail_for_system(name_of(file));
+    }
+    copy.flush();
+    return copy;
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

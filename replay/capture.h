@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -10,6 +11,8 @@
 #include <string>
 
 #include <pcap/pcap.h>
+
+#include "replay/working_file.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -28,16 +31,21 @@ struct record {
 class capture {
   public:
     /// Opens the file and reads its head.
+    /// @param file "-" for the standard input
     /// @throws std::runtime_error when that fails, or the link type is none of the above
-    explicit capture(std::filesystem::path file);
+    explicit capture(const std::filesystem::path& file);
 
-    const std::filesystem::path& file() const { return file_; }
+    /// The same, from a copy of the file.
+    capture(const std::filesystem::path& file, const working_file& copy);
+
+    /// What messages call it.
+    const std::string& name() const { return name_; }
 
     /// The next packet; nothing at the end of the file.
     /// @throws std::runtime_error when the file can't be read on
     std::optional<record> next();
 
-    /// The file's size in bytes; 0 where it has none, as a pipe.
+    /// The size in bytes; 0 where there is none, as of a pipe.
     std::uint64_t size() const;
 
     /// How many bytes have been read; 0 where that can't be told.
@@ -48,9 +56,17 @@ class capture {
         void operator()(pcap_t* handle) const { pcap_close(handle); }
     };
 
-    std::filesystem::path file_;
+    /// @param stream null when opening failed
+    capture(std::string name, std::FILE* stream);
+
+    std::string name_;
     std::unique_ptr<pcap_t, closer> handle_;
     bool holds_ip_packets_ = false;
 };
+
+/// A copy of a capture as it is now, to be read more than once: the standard input or a pipe can't
+/// be, and a file may grow meanwhile.
+/// @throws std::runtime_error when it can't be read, or the copy can't be written
+working_file copy_of_capture(const std::filesystem::path& file);
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -15,7 +15,15 @@ struct options {
     std::filesystem::path tshark_directory;
     /// The power-profile parameter file to write.
     std::filesystem::path profile;
-    /// At least one.
+    /// Where the report goes; empty: the standard output.
+    std::filesystem::path output;
+    /// One tshark for all records, without the plug-in.
+    bool batch = false;
+    /// JSON Lines for programs, instead of a table for people.
+    bool json = false;
+    /// Nothing for people but errors.
+    bool quiet = false;
+    /// At least one; "-" at most once.
     std::vector<std::filesystem::path> captures;
 };
 

@@ -92,7 +92,7 @@ sink::sink(const plugin& loaded, const std::filesystem::path& tshark_directory,
     parameters.entries[1].key = "file_path";
     parameters.entries[1].value = profile.c_str();
     parameters.count = 2;
-    parameters.log_user_data = &outcome_;
+    parameters.log_user_data = current();
     parameters.log_callback = collect_log;
     parameters.error_user_data = &reason;
     parameters.error_callback = copy_error;
@@ -108,36 +108,19 @@ sink::~sink() {
     plugin_.release_(context_);
 }
 
-outcome sink::run(const record& packet) {
-    outcome_ = {};
-    outcome_.failure = packet.failure;
-    if (!outcome_.failure) {
-        kivra_trace_chunk chunk{};
-        chunk.data = packet.payload.data();
-        chunk.size = static_cast<std::uint32_t>(packet.payload.size());
-        chunk.format = packet.format.c_str();
-        chunk.timestamp = packet.timestamp;
-        const auto result =
-            plugin_.data_(context_, &chunk, nullptr, nullptr, &outcome_, collect_document);
-        if (result != KIVRA_RESULT_SUCCESS) {
-            plugin_.get_last_error_(context_, &outcome_.failure.emplace(), copy_error);
-        }
+std::optional<std::string> sink::run_chunk(const kivra_trace_chunk& chunk) {
+    if (plugin_.data_(context_, &chunk, nullptr, nullptr, current(), collect_document) ==
+        KIVRA_RESULT_SUCCESS) {
+        return std::nullopt;
     }
-    return std::move(outcome_);
+    std::string reason;
+    plugin_.get_last_error_(context_, &reason, copy_error);
+    return reason;
 }
 
 void sink::complete() {
     completed_ = true;
     plugin_.complete_(context_);
-}
-
-void sink::collect_log(const void* /*caller*/, void* user_data, std::uint32_t level,
-                       const char* message) {
-    static_cast<outcome*>(user_data)->log.push_back({level, message});
-}
-
-void sink::collect_document(void* user_data, const kivra_annotated_chunk* chunk) {
-    static_cast<outcome*>(user_data)->documents.emplace_back(chunk->text);
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

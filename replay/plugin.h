@@ -2,16 +2,14 @@
 /// instance of its sink that records are run through. Used from one thread.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include <kivra/tshark_sink.h>
 
-#include "replay/capture.h"
+#include "replay/record_runner.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -51,45 +49,22 @@ class plugin {
     kivra_sink_release_function* release_;
 };
 
-struct log_message {
-    std::uint32_t level = 0;
-    std::string text;
-};
-
-/// What became of a record.
-struct outcome {
-    /// The result documents handed back, JSON texts.
-    std::vector<std::string> documents = {};
-    std::vector<log_message> log = {};
-    /// Why the record failed, when it did.
-    std::optional<std::string> failure = {};
-};
-
 /// An instance of the plug-in's sink; released with the object, and cancelled before that unless it
 /// was completed. The plug-in must outlive it.
-class sink {
+class sink final : public record_runner {
   public:
     /// @throws std::runtime_error with the plug-in's reason when it refuses
     sink(const plugin& loaded, const std::filesystem::path& tshark_directory,
          const std::filesystem::path& profile);
-    ~sink();
-    sink(const sink&) = delete;
-    sink& operator=(const sink&) = delete;
+    ~sink() override;
 
-    /// Runs a record, or takes over why it can't be run.
-    outcome run(const record& packet);
-
-    /// Tells the plug-in that there are no more records.
-    void complete();
+    void complete() override;
 
   private:
-    static void collect_log(const void* caller, void* user_data, std::uint32_t level,
-                            const char* message);
-    static void collect_document(void* user_data, const kivra_annotated_chunk* chunk);
+    std::optional<std::string> run_chunk(const kivra_trace_chunk& chunk) override;
 
     const plugin& plugin_;
     kivra_sink_context* context_ = nullptr;
-    outcome outcome_;
     bool completed_ = false;
 };
 

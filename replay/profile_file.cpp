@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <fstream>
 #include <stdexcept>
@@ -10,8 +9,6 @@
 #include <utility>
 
 #include <nlohmann/json.hpp>
-
-#include "profile/parameter_file.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -23,12 +20,6 @@ std::optional<fs::file_time_type> write_time(const fs::path& file) {
     std::error_code missing;
     const auto time = fs::last_write_time(file, missing);
     return missing ? std::nullopt : std::optional(time);
-}
-
-bool is_default(const std::string& name, const nlohmann::json& value) {
-    return std::ranges::any_of(PROFILE::profile_defaults(), [&](const auto& member) {
-        return member.name == name && value == member.value;
-    });
 }
 
 std::optional<std::string> why_not(const fs::path& path, int access_mode) {
@@ -65,12 +56,7 @@ profile_content profile_file::read() const {
         std::ifstream stream(path_, std::ios::binary);
         const auto profile = nlohmann::json::parse(stream);
         for (const auto& [name, value] : profile.items()) {
-            if (is_default(name, value)) {
-                ++content.defaults;
-            } else {
-                content.told.push_back(
-                    {name, value.is_string() ? value.get<std::string>() : value.dump()});
-            }
+            content.push_back({name, value.is_string() ? value.get<std::string>() : value.dump()});
         }
     } catch (const nlohmann::json::exception& error) {
         throw std::runtime_error("can't read " + path_.string() + ": " + error.what());

@@ -1,7 +1,6 @@
 /// The power-profile parameter file of a run: whether the run wrote it, and what it says.
 #pragma once
 
-#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -9,19 +8,14 @@
 
 namespace KIVRA::TSHARK::REPLAY {
 
-/// What a profile holds.
-struct profile_content {
-    struct member {
-        std::string name;
-        /// The text; the JSON of a value that is none.
-        std::string value;
-    };
-
-    /// The members that differ from their defaults, sorted by name.
-    std::vector<member> told;
-    /// How many members are at their defaults.
-    std::size_t defaults = 0;
+struct profile_value {
+    std::string name;
+    /// The text; the JSON of a value that is none.
+    std::string value;
 };
+
+/// What a profile holds, sorted by name.
+using profile_content = std::vector<profile_value>;
 
 /// Watches a file from the object's creation, before the run, on.
 class profile_file {

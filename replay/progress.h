@@ -1,6 +1,7 @@
 /// A progress bar on a terminal.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <iosfwd>
 
@@ -9,13 +10,18 @@ namespace KIVRA::TSHARK::REPLAY {
 /// Draws on the stream's current line; the line is cleared with the object.
 class progress {
   public:
+    using clock = std::chrono::steady_clock;
+
     /// @param terminal where to draw, outlives the object; null: nowhere
     /// @param total how many bytes there are to read; 0 when nobody knows
-    progress(std::ostream* terminal, std::uint64_t total) : terminal_(terminal), total_(total) {}
+    /// @param now the clock
+    progress(std::ostream* terminal, std::uint64_t total, clock::time_point (*now)() = clock::now)
+        : terminal_(terminal), total_(total), now_(now), start_(now()) {}
     ~progress() { clear(); }
     progress(const progress&) = delete;
     progress& operator=(const progress&) = delete;
 
+    /// Share, record, records a second and time left; not more often than a person can follow.
     void draw(std::uint64_t bytes_read, std::uint64_t records);
 
     /// Makes room for other output.
@@ -24,6 +30,10 @@ class progress {
   private:
     std::ostream* terminal_;
     std::uint64_t total_;
+    clock::time_point (*now_)();
+    clock::time_point start_;
+    clock::time_point next_drawing_ = start_;
+    bool drawn_ = false;
 };
 
 }  // namespace KIVRA::TSHARK::REPLAY

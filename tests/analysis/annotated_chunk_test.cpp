@@ -36,6 +36,12 @@ TEST_F(documents, go_back_with_non_ascii_texts_as_they_are) {
     EXPECT_THAT(texts_, ElementsAre("{\n    \"mnc\": \"Telef\xC3\xB3nica\"\n}"));
 }
 
+TEST_F(documents, that_are_empty_do_not_go_back) {
+    hand(nullptr);
+    hand(json::object());
+    EXPECT_THAT(texts_, IsEmpty());
+}
+
 TEST_F(documents, that_are_no_utf8_do_not_go_back) {
     EXPECT_THAT(
         [this] {

@@ -128,6 +128,11 @@ TEST(pcapng_image, writes_the_tag_length_high_byte_first) {
     EXPECT_EQ(hex_of(image_of(std::string(1000, 'x')).substr(packet_block + 28, 4)), "000c03e8");
 }
 
+TEST(pcapng_image, is_a_head_and_a_packet) {
+    EXPECT_EQ(pcapng_head().size(), 72U);
+    EXPECT_EQ(pcapng_head() + pcapng_packet("nas-eps", {}, 7), image_of("nas-eps", "", 7));
+}
+
 TEST(pcapng_image, takes_a_format_of_65532_bytes_and_none_longer) {
     EXPECT_EQ(hex_of(image_of(std::string(65'532, 'x')).substr(packet_block + 28, 4)), "000cfffc");
     EXPECT_THAT(

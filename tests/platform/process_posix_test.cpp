@@ -87,6 +87,11 @@ TEST_F(processes, begin_with_no_signal_blocked) {
     EXPECT_EQ(TESTING::read_file("file"), "SigBlk:\t0000000000000000\n");
 }
 
+TEST_F(processes, stand_in_a_process_group_of_their_own) {
+    run("cut -d' ' -f5 /proc/self/stat > file");
+    EXPECT_NE(std::stoi(TESTING::read_file("file")), ::getpgrp());
+}
+
 TEST_F(processes, are_waited_for_by_a_host_that_ignores_their_end) {
     const auto former = ::signal(SIGCHLD, SIG_IGN);
     run_long();

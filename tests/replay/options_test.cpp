@@ -23,16 +23,47 @@ TEST(command_line, needs_only_a_capture) {
     EXPECT_EQ(wanted.profile, "kivra-profile.json");
     EXPECT_EQ(wanted.plugin, "");
     EXPECT_EQ(wanted.tshark_directory, "");
+    EXPECT_EQ(wanted.output, "");
+    EXPECT_FALSE(wanted.batch);
+    EXPECT_FALSE(wanted.json);
+    EXPECT_FALSE(wanted.quiet);
 }
 
 TEST(command_line, takes_all_options_and_captures_in_any_order) {
-    const auto wanted =
-        std::get<options>(read({"first file.pcap", "--plugin", "p.so", "--tshark-directory=/t s",
-                                "--profile", "out.json", "b.pcapng"}));
+    const auto wanted = std::get<options>(
+        read({"first file.pcap", "--plugin", "p.so", "--tshark-directory=/t s", "--json", "--quiet",
+              "--output", "o.txt", "--profile", "out.json", "b.pcapng"}));
     EXPECT_THAT(wanted.captures, ElementsAre("first file.pcap", "b.pcapng"));
     EXPECT_EQ(wanted.plugin, "p.so");
     EXPECT_EQ(wanted.tshark_directory, "/t s");
     EXPECT_EQ(wanted.profile, "out.json");
+    EXPECT_EQ(wanted.output, "o.txt");
+    EXPECT_TRUE(wanted.json);
+    EXPECT_TRUE(wanted.quiet);
+}
+
+TEST(command_line, takes_short_forms) {
+    const auto wanted = std::get<options>(read({"-q", "-o", "o.txt", "a.pcapng"}));
+    EXPECT_TRUE(wanted.quiet);
+    EXPECT_EQ(wanted.output, "o.txt");
+}
+
+TEST(command_line, takes_a_dash_for_a_capture_once) {
+    EXPECT_THAT(std::get<options>(read({"-", "--batch", "a.pcapng"})).captures,
+                ElementsAre("-", "a.pcapng"));
+    EXPECT_THAT(
+        [] {
+            read({"-", "-"});
+        },
+        ThrowsMessage<std::runtime_error>("the standard input can be read only once"));
+}
+
+TEST(command_line, has_no_plugin_in_a_batch) {
+    EXPECT_THAT(
+        [] {
+            read({"a.pcap", "--batch", "--plugin", "p.so"});
+        },
+        ThrowsMessage<std::runtime_error>(AllOf(HasSubstr("--plugin"), HasSubstr("--batch"))));
 }
 
 TEST(command_line, takes_a_capture_whose_name_looks_like_an_option_behind_two_dashes) {
@@ -44,10 +75,12 @@ TEST(command_line, asks_for_the_version) {
 }
 
 TEST(command_line, asks_for_help) {
-    EXPECT_THAT(std::get<std::string>(read({"--help"})),
-                AllOf(HasSubstr("CAPTURE"), HasSubstr("--plugin FILE"),
-                      HasSubstr("--tshark-directory DIR"), HasSubstr("--profile FILE"),
-                      HasSubstr("kivra-profile.json"), HasSubstr("Exit status:")));
+    EXPECT_THAT(
+        std::get<std::string>(read({"--help"})),
+        AllOf(HasSubstr("CAPTURE"), HasSubstr("--plugin FILE"), HasSubstr("--tshark-directory DIR"),
+              HasSubstr("--profile FILE"), HasSubstr("--batch"), HasSubstr("--json"),
+              HasSubstr("-q,--quiet"), HasSubstr("-o,--output FILE"),
+              HasSubstr("kivra-profile.json"), HasSubstr("Exit status:")));
 }
 
 TEST(command_line, is_wrong_without_a_capture) {
@@ -72,7 +105,7 @@ TEST(command_line, is_wrong_with_an_option_that_lacks_its_value) {
 }
 
 TEST(command_line, is_wrong_with_an_empty_value) {
-    for (const auto* option : {"--plugin=", "--tshark-directory=", "--profile="}) {
+    for (const auto* option : {"--plugin=", "--tshark-directory=", "--profile=", "--output="}) {
         EXPECT_THAT(
             [&] {
                 read({"a.pcap", option, ""});

@@ -7,6 +7,7 @@
 
 #include "replay/capture.h"
 #include "tests/replay/capture_image.h"
+#include "tests/replay/sample_records.h"
 #include "tests/support/files.h"
 #include "tests/support/process.h"
 #include "tests/support/system.h"
@@ -17,6 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace TESTING;
 using testing::AllOf;
+using testing::AnyOf;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -24,25 +26,11 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-constexpr const char* prefix_document =
-    "{\n"
-    "    \"nas-eps\": {\n"
-    "        \"pdn\": {\n"
-    "            \"ICMPv6_prefix\": \"2001:0db8:0001:0000:0000:0000:0000:0000\"\n"
-    "        }\n"
-    "    }\n"
-    "}\n";
+constexpr const char* prefix_learnt =
+    "ip                      PDN prefix 2001:0db8:0001:0000:0000:0000:0000:0000\n";
 
 const image_packet ip_packet{exported_pdu_image("ip", router_advertisement()), 0};
 const image_packet nameless_packet{end_of_tags() + "m", 0};
-
-/// The first packet of a sample: system information with both the paging cycle and repetitions.
-image_packet system_information(const char* sample) {
-    capture source(capture_file(sample));
-    const auto packet = source.next().value();
-    const std::string message(packet.payload.begin(), packet.payload.end());
-    return {exported_pdu_image(packet.format, message), packet.timestamp};
-}
 
 class kivra_replay : public scratch_test {
   protected:
@@ -79,28 +67,36 @@ TEST_F(kivra_replay, shows_every_record_of_an_lte_m_attach_and_the_profile) {
     EXPECT_EQ(result.error, "22 records, 0 failed\n");
     EXPECT_THAT(
         result.output,
-        AllOf(HasSubstr("\nrecord 1  2025-11-24T16:00:00.000000Z  lte_rrc.bcch_dl_sch_br\n{\n"),
-              HasSubstr("\"connection_state\": \"rrcConnectionSetup\""),
-              HasSubstr("\nrecord 15  2025-11-24T16:00:00.637500Z  ip\n{\n"),
-              HasSubstr("\"ICMPv6_prefix\": \"2001:0db8:0001:0000:0000:0000:0000:0000\""),
-              HasSubstr("\nrecord 22  2025-11-24T17:00:06.153500Z  lte_rrc.dl_dcch\n{\n"),
-              Not(HasSubstr("record 23")), Not(HasSubstr("failed")), Not(HasSubstr("log ("))));
+        AllOf(
+            HasSubstr("\n      1  2025-11-24T16:00:00.000000Z  lte_rrc.bcch_dl_sch_br  "
+                      "idrx_int 1.28 s, idrx_reps 16\n"),
+            HasSubstr("  rrcConnectionSetup; cdrx_int 30 ms, cdrx_on_duration 10 ms, "
+                      "cdrx_inactive_timer 100 ms\n"),
+            HasSubstr("\n     10  2025-11-24T16:00:00.331200Z  nas-eps                 nothing\n"),
+            HasSubstr("\n     15  2025-11-24T16:00:00.637500Z  ip                      "
+                      "PDN prefix 2001:0db8:0001:0000:0000:0000:0000:0000, "),
+            HasSubstr(
+                "\n     22  2025-11-24T17:00:06.153500Z  lte_rrc.dl_dcch         "
+                "rrcConnectionRelease\n\n22 records: 20 with a result, 2 without, 0 failed\n"),
+            Not(HasSubstr("log: "))));
     EXPECT_THAT(result.output,
-                AllOf(HasSubstr("\"mcc\": \"Germany\""), HasSubstr("\"mnc\": \"Vodafone D2 GmbH\""),
-                      HasSubstr("\"apn\": \"iot.example.mnc002.mcc262.gprs\""),
-                      HasSubstr("\"APN_AMBR_downlink_kbps\": 568"),
-                      HasSubstr("\"APN_AMBR_uplink_kbps\": 576"), HasSubstr("\"8.8.8.8\""),
-                      HasSubstr("\"8.8.4.4\""), HasSubstr("\"tac\": \"20001\"")));
-    EXPECT_THAT(result.output, EndsWith("\nprofile kivra-profile.json\n"
-                                        "    cdrx_inactive_timer        100\n"
-                                        "    cdrx_int                   30\n"
-                                        "    cdrx_on_duration           10\n"
-                                        "    config_lte_psm_req_rat     00000101\n"
-                                        "    config_lte_psm_req_rptau   01000111\n"
-                                        "    idrx_int                   2.56\n"
-                                        "    idrx_reps                  32\n"
-                                        "    psm                        True\n"
-                                        "    and 23 members at their defaults\n"));
+                AllOf(HasSubstr("  Attach accept; T3324 10 seconds (00000101), "),
+                      HasSubstr(", operator 262/2 Vodafone D2 GmbH, Germany, "),
+                      HasSubstr(", apn iot.example.mnc002.mcc262.gprs, "),
+                      HasSubstr(", APN-AMBR downlink 568 kbit/s, APN-AMBR uplink 576 kbit/s, "),
+                      HasSubstr(", primary DNS server 8.8.8.8, secondary DNS server 8.8.4.4\n"),
+                      HasSubstr(", tac 20001, ")));
+    EXPECT_THAT(result.output,
+                HasSubstr("\nprofile kivra-profile.json\n"
+                          "    cdrx_inactive_timer             100         record 12\n"
+                          "    cdrx_int                        30          record 12\n"
+                          "    cdrx_on_duration                10          record 12\n"
+                          "    config_lte_psm_req_rat          00000101    record 13\n"
+                          "    config_lte_psm_req_rptau        01000111    record 13\n"
+                          "    idrx_int                        2.56        record 16\n"
+                          "    idrx_reps                       32          record 16\n"
+                          "    psm                             True        record 13\n"
+                          "    at their defaults: cdrx_len 7, chip 5, "));
     EXPECT_THAT(names_in("."), ElementsAre("kivra-profile.json"));
     EXPECT_EQ(read_json("kivra-profile.json").size(), 31U);
 }
@@ -109,17 +105,14 @@ TEST_F(kivra_replay, shows_every_record_of_an_nb_iot_attach_and_the_profile) {
     const auto result = run({capture_file("nbiot_attach.pcapng"), "--profile", "nb iot.json"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.error, "8 records, 0 failed\n");
-    EXPECT_THAT(result.output, AllOf(HasSubstr("\"code\": 50,\n            \"reason\": "
-                                               "\"PDN type IPv4 only allowed\""),
-                                     HasSubstr("\"code\": 27,\n            \"reason\": "
-                                               "\"Missing or unknown APN\"")));
     EXPECT_THAT(
         result.output,
-        AllOf(HasSubstr("\nrecord 1  2025-11-25T19:46:40.000000Z  lte_rrc.bcch_dl_sch.nb\n"),
-              HasSubstr("\nrecord 8  "), Not(HasSubstr("\nrecord 9  ")),
+        AllOf(HasSubstr("      1  2025-11-25T19:46:40.000000Z  lte_rrc.bcch_dl_sch.nb  idrx_int"),
+              HasSubstr(", cause 50 PDN type IPv4 only allowed\n"),
+              HasSubstr("  Attach reject; cause 27 Missing or unknown APN\n"),
               HasSubstr("\nprofile nb iot.json\n"),
-              HasSubstr("    idrx_int                   0.64\n"),
-              HasSubstr("    idrx_reps                  64\n")));
+              HasSubstr("    idrx_int                        0.64        record 1\n"),
+              HasSubstr("    idrx_reps                       64          record 1\n")));
     EXPECT_THAT(names_in("."), ElementsAre("nb iot.json"));
 }
 
@@ -129,24 +122,47 @@ TEST_F(kivra_replay, takes_raw_ip_captures) {
                    capture_image(link_type, {{router_advertisement(), 1}}, {.pcapng = false}));
         const auto result = run({"ip.pcap"});
         EXPECT_EQ(result.status, 0);
-        EXPECT_THAT(result.output,
-                    HasSubstr(std::string("\nrecord 1  1970-01-01T00:00:00.000001Z  ip\n") +
-                              prefix_document));
+        EXPECT_THAT(
+            result.output,
+            HasSubstr(std::string("\n      1  1970-01-01T00:00:00.000001Z  ") + prefix_learnt));
     }
 }
 
-TEST_F(kivra_replay, numbers_the_records_of_each_capture) {
+TEST_F(kivra_replay, takes_several_captures_for_one_stream) {
     write_capture("a.pcapng", {ip_packet, ip_packet});
     write_capture("b.pcapng", {ip_packet});
     const auto result = run({"a.pcapng", "b.pcapng"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.error, "3 records, 0 failed\n");
     const auto record = [](int number) {
-        return "\nrecord " + std::to_string(number) + "  1970-01-01T00:00:00.000000Z  ip\n" +
-               prefix_document;
+        return "      " + std::to_string(number) + "  1970-01-01T00:00:00.000000Z  " +
+               prefix_learnt;
     };
-    EXPECT_THAT(result.output, HasSubstr("\ncapture a.pcapng\n" + record(1) + record(2) +
-                                         "\ncapture b.pcapng\n" + record(1) + "\nprofile "));
+    EXPECT_THAT(result.output, HasSubstr("learnt\n" + record(1) + record(2) + record(3) + "\n"));
+}
+
+TEST_F(kivra_replay, reads_the_standard_input) {
+    write_capture("c.pcapng", {ip_packet});
+    for (const auto* road : {"--json", "--batch"}) {
+        const auto result = run({"-", road}, {.input = "c.pcapng"});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.error, "1 record, 0 failed\n");
+    }
+    write_file("c.pcapng", "no capture");
+    expect_refusal(run({"-"}, {.input = "c.pcapng"}),
+                   "can't read standard input: unknown file format");
+    expect_refusal(run({"-", "--batch"}, {.input = "c.pcapng"}),
+                   "can't read standard input: unknown file format");
+}
+
+TEST_F(kivra_replay, reads_pipes) {
+    write_capture("c.pcapng", {ip_packet, ip_packet});
+    for (const std::string road : {"--json", "--batch"}) {
+        const auto result = run_process(
+            {"/bin/bash", "-c", "cat c.pcapng | " KIVRA_REPLAY " - <(cat c.pcapng) " + road});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.error, "4 records, 0 failed\n");
+    }
 }
 
 TEST_F(kivra_replay, reports_records_that_fail_and_goes_on) {
@@ -160,18 +176,145 @@ TEST_F(kivra_replay, reports_records_that_fail_and_goes_on) {
     EXPECT_EQ(result.error, "4 records, 3 failed\n");
     EXPECT_THAT(
         result.output,
-        AllOf(HasSubstr("  (no format)\nfailed: no dissector name among the packet's tags\n"),
-              HasSubstr("  nas-eps\nfailed: [json.exception.parse_error.101]"),
-              HasSubstr("  ip\nfailed: cut short by the snapshot length: 13 of 99 bytes"),
-              HasSubstr(std::string("  ip\n") + prefix_document)));
+        AllOf(HasSubstr("  failed: no dissector name among the packet's tags\n"),
+              HasSubstr("  failed: [json.exception.parse_error.101]"),
+              HasSubstr("  failed: cut short by the snapshot length: 13 of 99 bytes"),
+              HasSubstr(prefix_learnt),
+              HasSubstr("        What tshark printed is no JSON: tshark ended early, or it is not "
+                        "tshark.\n")));
     EXPECT_THAT(names_in("."), ElementsAre("broken", "c.pcapng"));
 }
 
-TEST_F(kivra_replay, says_which_records_give_nothing) {
-    write_capture("c.pcapng", {{exported_pdu_image("http", "GET"), 0}});
+TEST_F(kivra_replay, says_what_became_of_a_lab_network) {
+    write_capture("c.pcapng", {lab_network_accept()});
     const auto result = run({"c.pcapng"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.output, HasSubstr("  http\nno result\n"));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output,
+                AllOf(HasSubstr("  failed: invalid stoi argument\n"),
+                      HasSubstr("    1 x invalid stoi argument (first in record 1)\n"),
+                      HasSubstr("lab networks such as 001/01 do so every time")));
+}
+
+TEST_F(kivra_replay, prints_json_lines) {
+    write_tshark("broken", "echo 'no JSON'\n");
+    write_capture("c.pcapng", {{exported_pdu_image("http", "GET"), 250},
+                               {exported_pdu_image("nas-eps", "m"), 0},
+                               ip_packet});
+    const auto result = run({"c.pcapng", "--json", "--tshark-directory", "broken"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error, "3 records, 1 failed\n");
+    EXPECT_EQ(result.output,
+              R"({"number":1,"time":"1970-01-01T00:00:00.000250Z","format":"http",)"
+              R"("result":null,"log":[]})"
+              "\n"
+              R"({"number":2,"time":"1970-01-01T00:00:00.000000Z","format":"nas-eps",)"
+              R"("error":"[json.exception.parse_error.101] parse error at line 1, column 2: )"
+              R"(syntax error while parsing value - invalid literal; last read: 'no'","log":[]})"
+              "\n"
+              R"({"number":3,"time":"1970-01-01T00:00:00.000000Z","format":"ip",)"
+              R"("result":{"nas-eps":{"pdn":{"ICMPv6_prefix":)"
+              R"("2001:0db8:0001:0000:0000:0000:0000:0000"}}},"log":[]})"
+              "\n");
+}
+
+TEST_F(kivra_replay, says_nothing_to_people_when_asked_to) {
+    write_capture("c.pcapng", {ip_packet, nameless_packet});
+    const auto quiet = run({"c.pcapng", "--quiet"});
+    EXPECT_EQ(quiet.status, 1);
+    EXPECT_EQ(quiet.output, "");
+    EXPECT_EQ(quiet.error, "");
+    const auto lines = run({"c.pcapng", "--quiet", "--json"}, {.error_is_terminal = true});
+    EXPECT_THAT(lines.output, StartsWith("{\"number\":1,"));
+    EXPECT_EQ(lines.error, "");
+}
+
+TEST_F(kivra_replay, writes_its_report_to_a_file) {
+    write_capture("c.pcapng", {ip_packet});
+    const auto to_terminal = run({"c.pcapng"});
+    write_file("report", "an older and longer report\n" + to_terminal.output);
+    const auto to_file = run({"c.pcapng", "--output", "report"});
+    EXPECT_EQ(to_file.status, 0);
+    EXPECT_EQ(to_file.output, "");
+    EXPECT_EQ(read_file("report"), to_terminal.output);
+}
+
+TEST_F(kivra_replay, refuses_a_report_that_can_not_be_written) {
+    write_capture("c.pcapng", {ip_packet});
+    expect_refusal(run({"c.pcapng", "--output", "missing/report"}),
+                   "can't write missing/report: No such file or directory");
+}
+
+TEST_F(kivra_replay, refuses_to_write_over_a_capture) {
+    write_capture("c.pcapng", {ip_packet});
+    const auto image = read_file("c.pcapng");
+    expect_refusal(run({"c.pcapng", "--output", "./c.pcapng"}),
+                   "./c.pcapng is a capture to read, not to write");
+    expect_refusal(run({"c.pcapng", "--profile", scratch() / "c.pcapng"}), "not to write");
+    EXPECT_EQ(read_file("c.pcapng"), image);
+}
+
+TEST_F(kivra_replay, is_coloured_on_a_terminal_only) {
+    write_capture("c.pcapng", {nameless_packet});
+    constexpr const char* red = "\033[31m";
+    const environment_guard kept_colour("NO_COLOR");
+    const environment_guard kept_terminal("TERM");
+    set_environment("NO_COLOR", std::nullopt);
+    set_environment("TERM", "xterm");
+    EXPECT_THAT(run({"c.pcapng"}, {.output_is_terminal = true}).output, HasSubstr(red));
+    EXPECT_THAT(run({"c.pcapng"}).output, Not(HasSubstr(red)));
+    EXPECT_THAT(run({"c.pcapng", "-o", "report"}, {.output_is_terminal = true}).output,
+                Not(HasSubstr(red)));
+    EXPECT_THAT(read_file("report"), Not(HasSubstr(red)));
+    set_environment("TERM", "dumb");
+    EXPECT_THAT(run({"c.pcapng"}, {.output_is_terminal = true}).output, Not(HasSubstr(red)));
+    set_environment("TERM", "xterm");
+    set_environment("NO_COLOR", "1");
+    EXPECT_THAT(run({"c.pcapng"}, {.output_is_terminal = true}).output, Not(HasSubstr(red)));
+}
+
+/// The script of a tshark that has kivra-replay's process group interrupted, as Ctrl-C does, and
+/// then works as always.
+constexpr const char* interrupting_tshark =
+    "kill -s INT -- \"-$(cat group)\"\n"
+    "exec /usr/bin/tshark \"$@\"\n";
+
+/// kivra-replay in a process group whose number is in the file "group".
+process_result run_in_group(const std::string& arguments) {
+    return run_process({"/usr/bin/setsid", "/bin/sh", "-c",
+                        "echo $$ > group; exec " KIVRA_REPLAY " " + arguments});
+}
+
+TEST_F(kivra_replay, ends_after_the_record_at_hand_when_interrupted) {
+    write_tshark("bin", interrupting_tshark);
+    write_capture("c.pcapng", {ip_packet, system_information("nbiot_attach.pcapng"), ip_packet});
+    const auto result = run_in_group("c.pcapng --tshark-directory bin");
+    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.error, "2 records, 0 failed\n");
+    EXPECT_THAT(result.output, AllOf(HasSubstr("  idrx_int 0.64 s, idrx_reps 64\n\n2 records: 2"),
+                                     HasSubstr("\nprofile kivra-profile.json\n    idrx_int ")));
+    EXPECT_THAT(names_in("."), ElementsAre("bin", "c.pcapng", "group", "kivra-profile.json"));
+}
+
+TEST_F(kivra_replay, ends_a_batch_after_the_record_at_hand_when_interrupted) {
+    write_tshark("bin", interrupting_tshark);
+    write_capture("c.pcapng", {system_information("nbiot_attach.pcapng"), ip_packet});
+    const auto result = run_in_group("c.pcapng --batch --tshark-directory bin");
+    EXPECT_EQ(result.status, 130);
+    EXPECT_THAT(result.error, testing::MatchesRegex("[01] records?, 0 failed\n"));
+    EXPECT_THAT(result.output, HasSubstr("\nprofile kivra-profile.json"));
+}
+
+TEST_F(kivra_replay, stops_waiting_for_input_when_interrupted) {
+    write_capture("c.pcapng", {ip_packet});
+    const auto result = run_process({"/bin/bash", "-c",
+                                     "mkfifo endless shown\n"
+                                     "exec 8<>endless\n"
+                                     "cat c.pcapng >&8\n" KIVRA_REPLAY " --json endless >shown &\n"
+                                     "read -r first <shown\n"
+                                     "kill -INT $!\n"
+                                     "wait $!\n"});
+    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.error, "1 record, 0 failed\n");
 }
 
 TEST_F(kivra_replay, calls_the_plugin_in_order) {
@@ -189,11 +332,10 @@ TEST_F(kivra_replay, calls_the_plugin_in_order) {
               "data fail two 8\n"
               "complete\n"
               "release\n");
-    EXPECT_THAT(result.output,
-                AllOf(StartsWith("plug-in " KIVRA_RECORDING_PLUGIN ", version 1.22.3\n"
-                                 "tshark in /t\n"),
-                      HasSubstr("  log\nno result\nlog (level 3): x mapping not found\n\n"),
-                      HasSubstr("  fail\nfailed: failed on two\n")));
+    EXPECT_THAT(
+        result.output,
+        AllOf(StartsWith(KIVRA_RECORDING_PLUGIN " 1.22.3, tshark in /t\n\n record  time "),
+              HasSubstr("  log: x mapping not found\n"), HasSubstr("  failed: failed on two\n")));
 }
 
 TEST_F(kivra_replay, finds_tshark_on_path) {
@@ -203,7 +345,7 @@ TEST_F(kivra_replay, finds_tshark_on_path) {
     set_environment("PATH", "/nowhere:" + scratch().string() + "/bin");
     const auto result = run({"c.pcapng"});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.output, HasSubstr("\ntshark in " + scratch().string() + "/bin\n"));
+    EXPECT_THAT(result.output, HasSubstr(", tshark in " + scratch().string() + "/bin\n\n"));
 }
 
 TEST_F(kivra_replay, finds_the_plugin_of_an_installation) {
@@ -214,8 +356,8 @@ TEST_F(kivra_replay, finds_the_plugin_of_an_installation) {
     write_capture("c.pcapng", {});
     const auto result = run_process({"bin/kivra-replay", "c.pcapng"});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.output, StartsWith("plug-in " + scratch().string() +
-                                          "/lib/kivra/kivra-tshark-sink.so, version 1.22.3\n"));
+    EXPECT_THAT(result.output, StartsWith(scratch().string() +
+                                          "/lib/kivra/kivra-tshark-sink.so 1.22.3, tshark in "));
 }
 
 TEST_F(kivra_replay, prints_help_and_version) {
@@ -284,12 +426,23 @@ TEST_F(kivra_replay, shows_what_a_broken_capture_gives_and_goes_on_with_the_next
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.error, AllOf(StartsWith("kivra-replay: can't read broken.pcapng: "),
                                     EndsWith("\n2 records, 0 failed\n")));
-    EXPECT_THAT(result.output, AllOf(HasSubstr("\"idrx_int\": \"1.28\""),
-                                     HasSubstr("capture next.pcapng"), HasSubstr(prefix_document),
-                                     HasSubstr("\nprofile kivra-profile.json\n"
-                                               "    idrx_int                   1.28\n"
-                                               "    idrx_reps                  16\n"
-                                               "    and 29 members at their defaults\n")));
+    EXPECT_THAT(result.output,
+                AllOf(HasSubstr("  idrx_int 1.28 s, idrx_reps 16\n"), HasSubstr(prefix_learnt),
+                      HasSubstr("\nprofile kivra-profile.json\n"
+                                "    idrx_int                        1.28        record 1\n"
+                                "    idrx_reps                       16          record 1\n")));
+}
+
+TEST_F(kivra_replay, treats_broken_captures_alike_in_a_batch) {
+    const auto whole = capture_image(exported_pdu_link_type,
+                                     {system_information("ltem_attach_psm.pcapng"), ip_packet});
+    write_file("broken.pcapng", whole.substr(0, whole.size() - 10));
+    write_capture("next.pcapng", {ip_packet});
+    const auto alone = run({"--json", "broken.pcapng", "next.pcapng"});
+    const auto batch = run({"--json", "--batch", "broken.pcapng", "next.pcapng"});
+    EXPECT_EQ(batch.status, 2);
+    EXPECT_EQ(batch.error, alone.error);
+    EXPECT_EQ(batch.output, without_timing(alone.output));
 }
 
 TEST_F(kivra_replay, shows_no_profile_of_an_earlier_run) {
@@ -308,7 +461,8 @@ TEST_F(kivra_replay, replaces_the_profile_of_an_earlier_run) {
     write_capture("c.pcapng", {system_information("nbiot_attach.pcapng")});
     const auto result = run({"c.pcapng"});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.output, HasSubstr("    idrx_int                   0.64\n"));
+    EXPECT_THAT(result.output,
+                HasSubstr("    idrx_int                        0.64        record 1\n"));
 }
 
 TEST_F(kivra_replay, says_that_the_profile_can_not_be_written) {
@@ -320,11 +474,38 @@ TEST_F(kivra_replay, says_that_the_profile_can_not_be_written) {
                          "written (No such file or directory)\n"));
 }
 
-TEST_F(kivra_replay, ends_and_tidies_up_when_nobody_reads_its_output) {
-    const auto result = run({capture_file("nbiot_attach.pcapng")}, {.output_has_no_reader = true});
+TEST_F(kivra_replay, ends_quietly_and_tidies_up_when_nobody_reads_its_output) {
+    constexpr int killed_by_sigpipe = 128 + 13;
+    for (const auto* road : {"--json", "--batch"}) {
+        const auto result = run({capture_file("nbiot_attach.pcapng"), road, "--profile", "p.json"},
+                                {.output_has_no_reader = true});
+        EXPECT_EQ(result.status, killed_by_sigpipe);
+        EXPECT_EQ(result.error, "");
+        EXPECT_THAT(names_in("."), AnyOf(IsEmpty(), ElementsAre("p.json")));
+    }
+}
+
+TEST_F(kivra_replay, serves_a_reader_of_its_first_line) {
+    const auto result =
+        run_process({"/bin/bash", "-c",
+                     KIVRA_REPLAY " --json --batch " +
+                         capture_file("nbiot_attach.pcapng").string() + " | head -1"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.output, StartsWith("{\"number\":1,"));
+    EXPECT_TRUE(one_line(result.output));
+}
+
+TEST_F(kivra_replay, complains_of_closed_standard_streams) {
+    write_capture("c.pcapng", {ip_packet});
+    for (const std::string road : {"--json", "--batch"}) {
+        const auto result =
+            run_process({"/bin/bash", "-c", KIVRA_REPLAY " c.pcapng " + road + " >&-"});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.error, "kivra-replay: can't write the report: Bad file descriptor\n");
+    }
+    const auto result = run_process({"/bin/bash", "-c", KIVRA_REPLAY " - <&-"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.error, "kivra-replay: can't write the report\n");
-    EXPECT_THAT(names_in("."), IsEmpty());
+    EXPECT_THAT(result.error, StartsWith("kivra-replay: can't read standard input: "));
 }
 
 TEST_F(kivra_replay, cancels_and_releases_when_its_output_can_not_be_written) {
@@ -332,7 +513,7 @@ TEST_F(kivra_replay, cancels_and_releases_when_its_output_can_not_be_written) {
     const auto result =
         run({"c.pcapng", "--plugin", KIVRA_RECORDING_PLUGIN}, {.output = "/dev/full"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.error, "kivra-replay: can't write the report\n");
+    EXPECT_EQ(result.error, "kivra-replay: can't write the report: No space left on device\n");
     EXPECT_THAT(read_file("calls"), EndsWith("\ncancel\nrelease\n"));
 }
 
@@ -340,7 +521,7 @@ TEST_F(kivra_replay, shows_its_progress_on_a_terminal_and_clears_it) {
     write_capture("c.pcapng", {ip_packet, ip_packet});
     const auto result = run({"c.pcapng"}, {.error_is_terminal = true});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.error, AllOf(HasSubstr("#"), HasSubstr("] 100%  record 2"),
+    EXPECT_THAT(result.error, AllOf(StartsWith("\r\033[K["), HasSubstr("%  record 1"),
                                     EndsWith("\r\033[K"), Not(HasSubstr("records"))));
     EXPECT_THAT(result.output, Not(HasSubstr("%")));
 }

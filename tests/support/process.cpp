@@ -68,6 +68,9 @@ stream open_file(const std::filesystem::path& file) {
 }
 
 stream open_output(const process_setting& setting) {
+    if (setting.output_is_terminal) {
+        return open_terminal();
+    }
     return setting.output.empty() ? open_pipe() : open_file(setting.output);
 }
 
@@ -94,10 +97,11 @@ std::vector<char*> pointers_to(std::vector<std::string>& texts) {
     return pointers;
 }
 
-pid_t start(std::vector<std::string> arguments, int output, int error) {
+pid_t start(std::vector<std::string> arguments, const std::filesystem::path& input, int output,
+            int error) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, input.c_str(), O_RDONLY, 0);
     posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, error, STDERR_FILENO);
     pid_t child = 0;
@@ -125,7 +129,7 @@ process_result run_process(const std::vector<std::string>& command,
         output.parent.close();
     }
 
-    const pid_t child = start(command, output.child.number(), error.child.number());
+    const pid_t child = start(command, setting.input, output.child.number(), error.child.number());
     output.child.close();
     error.child.close();
     process_result result;

@@ -7,13 +7,15 @@
 
 namespace KIVRA::TSHARK::TESTING {
 
-/// Where the output of a program goes.
+/// Where the input of a program comes from, and its output goes.
 struct process_setting {
+    /// The file of standard input.
+    std::filesystem::path input = "/dev/null";
     /// The file of standard output; empty: what is printed is kept.
     std::filesystem::path output = {};
     /// Standard output is a pipe that nobody reads.
     bool output_has_no_reader = false;
-    /// Standard error is a terminal.
+    bool output_is_terminal = false;
     bool error_is_terminal = false;
 };
 
@@ -24,7 +26,7 @@ struct process_result {
     std::string error;
 };
 
-/// Runs a program in the working directory, with an empty standard input, and waits for its end.
+/// Runs a program in the working directory and waits for its end.
 /// @param command the program's path and its arguments
 /// @throws std::system_error when it can't be started
 process_result run_process(const std::vector<std::string>& command,

@@ -1,0 +1,56 @@
+#include "replay/output.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace KIVRA::TSHARK::REPLAY {
+
+namespace {
+
+std::string_view environment(const char* name) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment
+    const char* value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+}  // namespace
+
+output::output(const std::filesystem::path& file) {
+    if (file.empty()) {
+        return;
+    }
+    file_.emplace(file, std::ios::binary | std::ios::trunc);
+    if (!file_->is_open()) {
+        throw std::runtime_error("can't write " + file.string() + ": " +
+                                 std::generic_category().message(errno));
+    }
+}
+
+std::ostream& output::stream() {
+    return file_ ? static_cast<std::ostream&>(*file_) : std::cout;
+}
+
+bool output::takes_colour() const {
+    return !file_ && isatty(STDOUT_FILENO) != 0 && environment("NO_COLOR").empty() &&
+           environment("TERM") != "dumb";
+}
+
+void output::flush() {
+    errno = 0;
+    if (stream().flush()) {
+        return;
+    }
+    if (errno == EPIPE) {
+        throw reader_gone();
+    }
+    throw std::runtime_error("can't write the report" +
+                             (errno == 0 ? "" : ": " + std::generic_category().message(errno)));
+}
+
+}  // namespace KIVRA::TSHARK::REPLAY

@@ -1,0 +1,37 @@
+/// Where a run's report goes.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <ostream>
+#include <stdexcept>
+
+namespace KIVRA::TSHARK::REPLAY {
+
+/// Nobody reads the report any more, as behind `| head`.
+class reader_gone : public std::runtime_error {
+  public:
+    reader_gone() : std::runtime_error("nobody reads the report") {}
+};
+
+class output {
+  public:
+    /// @param file created or overwritten; empty for the standard output
+    /// @throws std::runtime_error when it can't be written
+    explicit output(const std::filesystem::path& file);
+
+    std::ostream& stream();
+
+    /// Whether colours are welcome: on a terminal, unless NO_COLOR or TERM say otherwise.
+    bool takes_colour() const;
+
+    /// Writes through.
+    /// @throws reader_gone, or std::runtime_error when the report can't be written
+    void flush();
+
+  private:
+    std::optional<std::ofstream> file_;
+};
+
+}  // namespace KIVRA::TSHARK::REPLAY

@@ -1,0 +1,49 @@
+#include "replay/json_lines.h"
+
+#include <gtest/gtest.h>
+
+namespace KIVRA::TSHARK::REPLAY {
+namespace {
+
+const record nas_record{
+    .timestamp = 1'764'000'000'000'000, .format = "nas-eps", .payload = {}, .failure = {}};
+
+TEST(json_lines, hold_the_result_document) {
+    EXPECT_EQ(json_line(7, nas_record, {.result = {{"a", {{"b", 1}}}}}),
+              R"({"number":7,"time":"2025-11-24T16:00:00.000000Z","format":"nas-eps",)"
+              R"("result":{"a":{"b":1}},"log":[]})"
+              "\n");
+}
+
+TEST(json_lines, tell_that_there_is_no_result) {
+    EXPECT_EQ(json_line(8, nas_record, {}),
+              R"({"number":8,"time":"2025-11-24T16:00:00.000000Z","format":"nas-eps",)"
+              R"("result":null,"log":[]})"
+              "\n");
+}
+
+TEST(json_lines, hold_the_error_in_place_of_a_result) {
+    EXPECT_EQ(json_line(9, nas_record, {.failure = "a \"reason\"\n"}),
+              R"({"number":9,"time":"2025-11-24T16:00:00.000000Z","format":"nas-eps",)"
+              R"("error":"a \"reason\"\n","log":[]})"
+              "\n");
+}
+
+TEST(json_lines, hold_every_log_message) {
+    EXPECT_EQ(
+        json_line(1, nas_record,
+                  {.log = {{3, "x mapping not found"}, {3, "tshark processing took: 412ms"}}}),
+        R"({"number":1,"time":"2025-11-24T16:00:00.000000Z","format":"nas-eps","result":null,)"
+        R"("log":[{"level":3,"message":"x mapping not found"},)"
+        R"({"level":3,"message":"tshark processing took: 412ms"}]})"
+        "\n");
+}
+
+TEST(json_lines, replace_what_is_no_utf_8) {
+    EXPECT_EQ(json_line(1, {.timestamp = 0, .format = "a\xff", .payload = {}, .failure = {}}, {}),
+              "{\"number\":1,\"time\":\"1970-01-01T00:00:00.000000Z\",\"format\":\"a\xef\xbf\xbd\","
+              "\"result\":null,\"log\":[]}\n");
+}
+
+}  // namespace
+}  // namespace KIVRA::TSHARK::REPLAY

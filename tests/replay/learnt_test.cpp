@@ -1,0 +1,129 @@
+#include "replay/learnt.h"
+
+#include <string>
+
+#include <gmock/gmock.h>
+
+namespace KIVRA::TSHARK::REPLAY {
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::FieldsAre;
+using testing::IsEmpty;
+
+learnt learn_from_nas(const json& nas_eps) {
+    return learn_from({{"nas-eps", nas_eps}});
+}
+
+TEST(learning, finds_nothing_in_no_document) {
+    EXPECT_THAT(learn_from(nullptr), FieldsAre(IsEmpty(), IsEmpty()));
+}
+
+TEST(learning, reads_rrc_values_with_their_units) {
+    const auto said = learn_from({{"lte-rrc",
+                                   {{"idrx_int", "2.56"},
+                                    {"idrx_reps", "32"},
+                                    {"cdrx_int", "30"},
+                                    {"cdrx_on_duration", "10"},
+                                    {"cdrx_inactive_timer", "100"}}}});
+    EXPECT_THAT(said.values,
+                ElementsAre(FieldsAre("idrx_int", "2.56 s"), FieldsAre("idrx_reps", "32"),
+                            FieldsAre("cdrx_int", "30 ms"), FieldsAre("cdrx_on_duration", "10 ms"),
+                            FieldsAre("cdrx_inactive_timer", "100 ms")));
+    EXPECT_THAT(said.messages, IsEmpty());
+}
+
+TEST(learning, takes_the_connection_state_for_a_message) {
+    EXPECT_THAT(learn_from({{"lte-rrc", {{"connection_state", "rrcConnectionSetup"}}}}).messages,
+                ElementsAre("rrcConnectionSetup"));
+}
+
+TEST(learning, names_mobility_management_messages) {
+    EXPECT_THAT(learn_from_nas({{"nas_msg_emm_type", "0x42"}}).messages,
+                ElementsAre("Attach accept"));
+    EXPECT_THAT(learn_from_nas({{"nas_msg_emm_type", "0x69"}}).messages,
+                ElementsAre("Uplink generic NAS transport"));
+}
+
+TEST(learning, names_messages_by_decimal_numbers_as_well) {
+    EXPECT_THAT(learn_from_nas({{"nas_msg_emm_type", "73"}}).messages,
+                ElementsAre("Tracking area update accept"));
+}
+
+TEST(learning, gives_the_type_of_messages_without_a_name) {
+    EXPECT_THAT(learn_from_nas({{"nas_msg_emm_type", "0x47"}}).messages,
+                ElementsAre("EMM message type 0x47"));
+    EXPECT_THAT(learn_from_nas({{"nas_msg_emm_type", "x"}}).messages,
+                ElementsAre("EMM message type x"));
+}
+
+TEST(learning, reads_timers_with_their_octets) {
+    const auto said =
+        learn_from_nas({{"gprs_timer_2_T3324_value",
+                         {{"bitmask", "00000101"}, {"unit", "seconds"}, {"value", 10}}},
+                        {"gprs_timer_3_T3412_extended_value",
+                         {{"bitmask", "11100000"}, {"unit", "deactivated"}, {"value", 0}}},
+                        {"gprs_timer_T3412_value", {{"bitmask", "01111111"}}},
+                        {"gprs_timer_T3402_extended_value",
+                         {{"bitmask", "00101100"}, {"unit", "minutes"}, {"value", 12}}}});
+    EXPECT_THAT(said.values, ElementsAre(FieldsAre("T3324", "10 seconds (00000101)"),
+                                         FieldsAre("T3412 extended", "deactivated (11100000)"),
+                                         FieldsAre("T3412", "(01111111)"),
+                                         FieldsAre("T3402", "12 minutes (00101100)")));
+}
+
+TEST(learning, reads_the_operator) {
+    EXPECT_THAT(
+        learn_from_nas(
+            {{"mcc_code", 262}, {"mnc_code", 2}, {"mcc", "Germany"}, {"mnc", "Vodafone D2 GmbH"}})
+            .values,
+        ElementsAre(FieldsAre("operator", "262/2 Vodafone D2 GmbH, Germany")));
+    EXPECT_THAT(learn_from_nas({{"mcc_code", 1}, {"mnc_code", 1}}).values,
+                ElementsAre(FieldsAre("operator", "1/1")));
+}
+
+TEST(learning, reads_what_an_accept_tells_of_the_bearer) {
+    const auto said =
+        learn_from_nas({{"accept", "1"},
+                        {"tac", "7"},
+                        {"apn", "iot"},
+                        {"nas_eps_emm_switch_off", "1"},
+                        {"apn_aggregate_maximum_bit_rate",
+                         {{"APN_AMBR_downlink_kbps", 568}, {"APN_AMBR_uplink_kbps", 576}}}});
+    EXPECT_THAT(
+        said.values,
+        ElementsAre(FieldsAre("attach result", "1"), FieldsAre("tac", "7"), FieldsAre("apn", "iot"),
+                    FieldsAre("APN-AMBR downlink", "568 kbit/s"),
+                    FieldsAre("APN-AMBR uplink", "576 kbit/s"), FieldsAre("switch off", "1")));
+}
+
+TEST(learning, finds_addresses_in_the_copies_of_every_wireshark) {
+    for (const std::string protocol : {"nas_eps", "nas-eps"}) {
+        const auto said = learn_from_nas(
+            {{"pdn",
+              {{protocol + ".esm.pdn_ipv4", "10.0.0.1"},
+               {protocol + ".esm.pdn_ipv6_if_id", "::1"},
+               {"ICMPv6_prefix", "2001:0db8"},
+               {"gsm_a.len", "5"}}},
+             {"dns_server_address_config",
+              {{"Options",
+                {{"ipcp.opt.pri_dns_tree", {{"ipcp.opt.pri_dns_address", "8.8.8.8"}}},
+                 {"ipcp.opt.sec_dns_tree", {{"ipcp.opt.sec_dns_address", "8.8.4.4"}}}}}}}});
+        EXPECT_THAT(said.values,
+                    testing::UnorderedElementsAre(FieldsAre("PDN address", "10.0.0.1"),
+                                                  FieldsAre("PDN interface identifier", "::1"),
+                                                  FieldsAre("PDN prefix", "2001:0db8"),
+                                                  FieldsAre("primary DNS server", "8.8.8.8"),
+                                                  FieldsAre("secondary DNS server", "8.8.4.4")));
+    }
+}
+
+TEST(learning, reads_causes) {
+    EXPECT_THAT(
+        learn_from_nas({{"cause", {{"code", 27}, {"reason", "Missing or unknown APN"}}}}).values,
+        ElementsAre(FieldsAre("cause", "27 Missing or unknown APN")));
+}
+
+}  // namespace
+}  // namespace KIVRA::TSHARK::REPLAY
