@@ -33,7 +33,7 @@ NANOSECONDS = 1e9
 MEBIBYTE = 1 << 20
 
 
-class Bench:
+class programs:
     """The programs to measure, and a folder for what they read and write."""
 
     def __init__(self, build, scratch):
@@ -109,44 +109,44 @@ def show_memory(what, mebibytes, below=None):
     show(what, f"{mebibytes:.1f} MiB", target, below is None or mebibytes < below)
 
 
-def measure_data(bench):
+def measure_data(built):
     """A data call against bare tshark."""
     for what, record, target in [
         ("data call / tshark, small NAS record", SMALL_RECORD, 1.03),
         ("data call / tshark, record with the largest dissection", LARGEST_RECORD, 1.05),
     ]:
-        show_ratio(what, bench.plugin_pairs("data", 60, LTE_M, record), target)
+        show_ratio(what, built.plugin_pairs("data", 60, LTE_M, record), target)
 
 
-def measure_init(bench):
+def measure_init(built):
     """Init against parsing the operator list, and what a context holds."""
-    show_ratio("init / parsing the operator list", bench.plugin_pairs("init", 100), 1.25)
-    heap = subprocess.run(bench.plugin_costs("heap"), check=True, capture_output=True).stdout
+    show_ratio("init / parsing the operator list", built.plugin_pairs("init", 100), 1.25)
+    heap = subprocess.run(built.plugin_costs("heap"), check=True, capture_output=True).stdout
     show_memory("heap of a context", int(heap) / MEBIBYTE, 8)
 
 
-def measure_batch(bench):
+def measure_batch(built):
     """A batch against bare tshark on the records that it hands to tshark."""
     for count, repetitions in (LONG, 20), (HOUR, 3):
-        capture = bench.capture(count)
-        tshark_records = bench.scratch / "for-tshark.pcapng"
+        capture = built.capture(count)
+        tshark_records = built.scratch / "for-tshark.pcapng"
         captures.write_repeated(tshark_records, SAMPLES, count, captures.is_for_tshark)
         pairs = [
             (
-                seconds_of(bench.batch(capture), "batch.jsonl"),
-                seconds_of(bench.bare_tshark(tshark_records), "tshark.json"),
+                seconds_of(built.batch(capture), "batch.jsonl"),
+                seconds_of(built.bare_tshark(tshark_records), "tshark.json"),
             )
             for _ in range(repetitions)
         ]
         show_ratio(f"batch / tshark, {count:,} records", pairs, 1.5)
 
 
-def measure_single(bench):
+def measure_single(built):
     """A batch against a tshark for each record; takes minutes."""
-    capture = bench.capture(LONG)
+    capture = built.capture(LONG)
     pair = (
-        seconds_of(bench.batch(capture), "batch.jsonl"),
-        seconds_of(bench.one_by_one(capture), "single.jsonl"),
+        seconds_of(built.batch(capture), "batch.jsonl"),
+        seconds_of(built.one_by_one(capture), "single.jsonl"),
     )
     show_speedup(f"batch faster than record by record, {LONG:,} records", [pair], 100)
 
@@ -170,31 +170,31 @@ def expect_same_results():
         raise RuntimeError("the plain script has other results than kivra-replay")
 
 
-def measure_plain(bench):
+def measure_plain(built):
     """A batch against tshark and a plain script on its output."""
-    capture = bench.capture(LONG)
+    capture = built.capture(LONG)
 
     def tshark_and_plain():
-        tshark = seconds_of(bench.bare_tshark(capture), "tshark.json")
-        return tshark + seconds_of(bench.plain("tshark.json"), "plain.jsonl")
+        tshark = seconds_of(built.bare_tshark(capture), "tshark.json")
+        return tshark + seconds_of(built.plain("tshark.json"), "plain.jsonl")
 
     pairs = [
-        (seconds_of(bench.batch(capture), "batch.jsonl"), tshark_and_plain()) for _ in range(10)
+        (seconds_of(built.batch(capture), "batch.jsonl"), tshark_and_plain()) for _ in range(10)
     ]
     expect_same_results()
     show_speedup(f"batch faster than tshark and plain.py, {LONG:,} records", pairs, 1)
-    peak = peak_mebibytes(bench.plain("tshark.json"), "plain.jsonl")
+    peak = peak_mebibytes(built.plain("tshark.json"), "plain.jsonl")
     show_memory(f"peak memory of plain.py, {LONG:,} records", peak)
 
 
-def measure_memory(bench):
+def measure_memory(built):
     """The most memory that each way takes, tshark apart."""
-    host = bench.plugin_costs("data", 5, LTE_M, LARGEST_RECORD)
+    host = built.plugin_costs("data", 5, LTE_M, LARGEST_RECORD)
     show_memory("peak memory of a host, largest dissection", peak_mebibytes(host, "/dev/null"))
-    few = bench.one_by_one(LTE_M)
+    few = built.one_by_one(LTE_M)
     show_memory("peak memory of record by record", peak_mebibytes(few, "/dev/null"))
     for count in LONG, LONGEST:
-        command = bench.batch(bench.capture(count))
+        command = built.batch(built.capture(count))
         peak = peak_mebibytes(command, "/dev/null")
         show_memory(f"peak memory of a batch, {count:,} records", peak, 32)
 
@@ -217,9 +217,9 @@ def main():
     build = wanted.build.resolve()
     with tempfile.TemporaryDirectory(dir=build) as scratch:
         os.chdir(scratch)
-        bench = Bench(build, pathlib.Path(scratch))
+        built = programs(build, pathlib.Path(scratch))
         for name in wanted.names or MEASUREMENTS:
-            MEASUREMENTS[name](bench)
+            MEASUREMENTS[name](built)
 
 
 if __name__ == "__main__":

@@ -1,6 +1,6 @@
-#include <locale.h>
 #include <windows.h>
 
+#include <clocale>
 #include <system_error>
 
 #include "platform/platform.h"

@@ -64,7 +64,7 @@ TEST_F(hostile_output, may_be_nested_as_deeply_as_the_limit) {
 TEST_F(hostile_output, is_copied_and_handed_back_when_nested_as_deeply_as_the_limit) {
     std::string subtree = R"("end")";
     for (int level = 0; level < 995; ++level) {
-        subtree = R"({"a":)" + subtree + "}";
+        subtree.insert(0, R"({"a":)").append("}");
     }
     TESTING::stand_in_prints(nas_packet(R"({"PDN address": )" + subtree + "}"));
     EXPECT_EQ(host_.data("nas-eps", ""), 0);

@@ -17,7 +17,6 @@
 namespace KIVRA::TSHARK {
 namespace {
 
-namespace fs = std::filesystem;
 using testing::ElementsAre;
 using TESTING::host;
 

@@ -11,7 +11,6 @@ namespace {
 
 using testing::IsEmpty;
 using TESTING::log_recorder;
-using testing::MatchesRegex;
 
 class analysis_run : public TESTING::scratch_test {
   protected:

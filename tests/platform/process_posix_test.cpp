@@ -1,8 +1,8 @@
 #include <fcntl.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -12,8 +12,6 @@
 
 namespace KIVRA::TSHARK::PLATFORM {
 namespace {
-
-namespace fs = std::filesystem;
 
 class processes : public TESTING::scratch_test {
   protected:
@@ -43,7 +41,7 @@ TEST_F(processes, are_waited_for) {
 }
 
 TEST_F(processes, get_what_sh_would_expand_as_it_stands) {
-    run("printf %s \"$HOME `id` \\n\" > \"$x`y`\\z\"");
+    run(R"(printf %s "$HOME `id` \n" > "$x`y`\z")");
     EXPECT_EQ(TESTING::read_file("$x`y`\\z"), "$HOME `id` \\n");
 }
 
@@ -95,14 +93,14 @@ TEST_F(processes, stand_in_a_process_group_of_their_own) {
 TEST_F(processes, are_waited_for_by_a_host_that_ignores_their_end) {
     const auto former = ::signal(SIGCHLD, SIG_IGN);
     run_long();
-    ::signal(SIGCHLD, former);
+    static_cast<void>(::signal(SIGCHLD, former));
     EXPECT_EQ(TESTING::read_file("file"), "end\n");
 }
 
 TEST_F(processes, do_not_ignore_signals_that_the_host_ignores) {
     const auto former = ::signal(SIGPIPE, SIG_IGN);
     run("grep SigIgn /proc/self/status > file");
-    ::signal(SIGPIPE, former);
+    static_cast<void>(::signal(SIGPIPE, former));
     const auto ignored = std::stoull(TESTING::read_file("file").substr(8), nullptr, 16);
     EXPECT_EQ(ignored & (1ULL << (SIGPIPE - 1)), 0U);
 }

@@ -14,8 +14,9 @@ int main() {
     const char* variable = std::getenv("KIVRA_PROBE");
     // The host may have left the number of a handle.
     DWORD flags = 0;
-    auto* const handle =
-        variable == nullptr ? nullptr : reinterpret_cast<HANDLE>(std::atoll(variable));
+    const long long number = variable == nullptr ? 0 : std::strtoll(variable, nullptr, 10);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): so the system has it
+    auto* const handle = reinterpret_cast<HANDLE>(number);
     const nlohmann::json probe{{"command_line", GetCommandLineA()},
                                {"directory", std::filesystem::current_path().string()},
                                {"start_up_size", start_up.cb},

@@ -13,12 +13,12 @@ namespace KIVRA::TSHARK::TESTING {
 
 /// Runs a body in a forked process; what fails there fails the test.
 inline void in_child(const std::function<void()>& body) {
-    std::fflush(nullptr);
+    static_cast<void>(std::fflush(nullptr));
     const pid_t child = ::fork();
     ASSERT_NE(child, -1);
     if (child == 0) {
         body();
-        std::fflush(nullptr);
+        static_cast<void>(std::fflush(nullptr));
         ::_exit(testing::Test::HasFailure() ? 1 : 0);
     }
     int status = 0;

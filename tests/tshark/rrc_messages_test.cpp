@@ -34,6 +34,7 @@ std::vector<message> messages() {
     return all;
 }
 
+// NOLINTNEXTLINE(readability-identifier-naming): GoogleTest looks for this name
 void PrintTo(const message& message, std::ostream* stream) {
     *stream << message.what;
 }

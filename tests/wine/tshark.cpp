@@ -1,6 +1,7 @@
 // A tshark.exe for Wine that hands its arguments and its output to a program of the system below.
 #include <windows.h>
 
+#include <array>
 #include <filesystem>
 #include <string>
 
@@ -16,9 +17,9 @@ std::wstring arguments() {
 
 /// A fresh file.
 std::filesystem::path make_marker() {
-    wchar_t name[MAX_PATH]{};
-    GetTempFileNameW(std::filesystem::temp_directory_path().c_str(), L"run", 0, name);
-    return name;
+    std::array<wchar_t, MAX_PATH> name{};
+    GetTempFileNameW(std::filesystem::temp_directory_path().c_str(), L"run", 0, name.data());
+    return name.data();
 }
 
 }  // namespace

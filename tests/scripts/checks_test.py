@@ -1,0 +1,116 @@
+"""scripts/check-docs and scripts/check-includes find what they are there to find."""
+import json
+import pathlib
+import subprocess
+import tempfile
+import unittest
+
+SCRIPTS = pathlib.Path(__file__).resolve().parents[2] / "scripts"
+
+TREE = {
+    "docs/architecture.md": "| `upper/` | above | `lower/`, the ABI | `nlohmann/` |\n"
+                            "| `lower/` | below | nothing | the system's |\n",
+    "docs/host-guide.md": "", "docs/result-document.md": "", "docs/troubleshooting.md": "",
+    "docs/profile.md": "| `a` | `1` | |\n",
+    "tests/data/profile_of_defaults.json": json.dumps({"a": "1"}),
+    ".ci/run": "scripts/test\n",
+    "scripts/test": 'for preset in release; do\n    cmake --preset "$preset" >/dev/null\ndone\n',
+}
+
+
+class scratch_tree(unittest.TestCase):
+    def output_of(self, script, **files):
+        """What the script says about the tree above with further or other files ("a__b" is a/b)."""
+        with tempfile.TemporaryDirectory() as folder:
+            for name, content in {**TREE, **files}.items():
+                file = pathlib.Path(folder, name)
+                file.parent.mkdir(parents=True, exist_ok=True)
+                file.write_text(content)
+            run = subprocess.run([SCRIPTS / script, folder], capture_output=True, text=True,
+                                 check=False)
+        self.assertEqual(run.stderr, "")
+        self.assertEqual(run.returncode, 1 if run.stdout else 0)
+        return run.stdout
+
+
+class includes(scratch_tree):
+    def output_of_file(self, name, line):
+        return self.output_of("check-includes", **{name: line})
+
+    def test_may_follow_the_table(self):
+        for line in ('#include "lower/a.h"', '#include "upper/a.h"', "#include <kivra/a.h>",
+                     "#include <nlohmann/json.hpp>", "#include <string>", "#include <stdint.h>"):
+            self.assertEqual(self.output_of_file("upper/a.cpp", line), "", line)
+        self.assertEqual(self.output_of_file("lower/a.cpp", "#include <sys/wait.h>"), "")
+
+    def test_beyond_the_table_are_found(self):
+        for file, line in (("lower/a.cpp", '#include "upper/a.h"'),
+                           ("lower/a.h", "#include <nlohmann/json.hpp>"),
+                           ("lower/a.h", "#include <kivra/a.h>"),
+                           ("upper/a.cpp", "#include <unistd.h>"),
+                           ("upper/a.cpp", "# include <sys/wait.h>"),
+                           ("upper/a.cpp", "#ifdef _WIN32"),
+                           ("other/a.cpp", "")):
+            self.assertIn(file, self.output_of_file(file, line), line)
+
+
+class documents(scratch_tree):
+    def complaint_about(self, text, **files):
+        return self.output_of("check-docs", **{"a.md": text, **files})
+
+    def test_that_are_right_pass(self):
+        self.assertEqual(self.complaint_about(
+            "# A b\n[x](#a-b) [y](docs/host-guide.md) `cmake --preset release` `scripts/test`\n"
+            "<!-- from: c.c part -->\n```c\nint a;\n```\n"
+            "<!-- run -->\n```sh\nprintf '1\\n2\\n3\\n'\n```\n<!-- prints -->\n```\n1\n...\n3\n```\n"
+            "```text\nplain\n```\n",
+            **{"c.c": "/* [part] */\n    int a;\n/* [/part] */\n"}), "")
+
+    def test_with_a_block_of_unknown_origin_are_found(self):
+        self.assertIn("a.md:1: a block", self.complaint_about("```sh\ntrue\n```\n"))
+        self.assertIn("a.md:1: a command", self.complaint_about("```text\ncmake -B x\n```\n"))
+
+    def test_with_a_snippet_that_differs_are_found(self):
+        text = "<!-- from: c.c part -->\n```c\nint b;\n```\n"
+        self.assertIn("differs", self.complaint_about(text, **{"c.c": "[part]\nint a;\n[/part]\n"}))
+        self.assertIn("no [part]", self.complaint_about(text, **{"c.c": ""}))
+        self.assertIn("no c.c", self.complaint_about(text))
+
+    def test_with_a_result_that_differs_are_found(self):
+        text = '<!-- result: t 1 -->\n```json\n{\n    "a": 1\n}\n```\n'
+        for value, expected in ((1, ""), (2, "differs")):
+            trace = json.dumps([{"result": {"a": value}}])
+            output = self.complaint_about(text, **{"tests/data/t.json": trace})
+            self.assertIn(expected, output)
+            self.assertEqual(bool(expected), bool(output))
+
+    def test_with_a_command_that_fails_are_found(self):
+        self.assertIn("ends with 1", self.complaint_about("<!-- run -->\n```sh\nfalse\ntrue\n```\n"))
+
+    def test_with_an_output_that_was_not_printed_are_found(self):
+        self.assertIn("was not printed", self.complaint_about(
+            "<!-- run -->\n```sh\necho 1\n```\n<!-- prints -->\n```\n2\n```\n"))
+
+    def test_with_a_command_that_nothing_runs_are_found(self):
+        for command in ("cmake --preset debug", "ctest --preset release", "scripts/none",
+                        "cmake --preset release && cmake --build x"):
+            self.assertIn("a.md:1: ", self.complaint_about(f"`{command}`\n"), command)
+        self.assertIn("no test runs", self.complaint_about("`scripts/lone`\n",
+                                                           **{"scripts/lone": ""}))
+
+    def test_with_a_dead_link_are_found(self):
+        self.assertIn("leads nowhere", self.complaint_about("[x](b.md)\n"))
+        self.assertIn("no such heading", self.complaint_about("[x](docs/host-guide.md#b)\n"))
+
+    def test_that_lack_a_text_of_the_sources_are_found(self):
+        source = {"sink/a.cpp": 'throw std::runtime_error("no way"); /* "a b" in a comment */'}
+        self.assertIn("no way", self.complaint_about("", **source))
+        self.assertEqual(self.complaint_about("", **source, **{
+            "docs/troubleshooting.md": "| `no way` |\n"}), "")
+
+    def test_that_lack_a_member_of_the_profile_are_found(self):
+        self.assertIn("`a`", self.complaint_about("", **{"docs/profile.md": "| `a` | `2` |\n"}))
+
+
+if __name__ == "__main__":
+    unittest.main()
