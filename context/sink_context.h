@@ -26,7 +26,7 @@ struct profile_texts {
     std::string idrx_reps;
     /// Seconds.
     std::string idrx_int;
-    /// Milliseconds.
+    /// The long cycle's index, taken through the table of DRX timers.
     std::string cdrx_int;
     /// Milliseconds.
     std::string cdrx_on_duration;

@@ -8,7 +8,7 @@
 /// | idrx_int            | lte-rrc.defaultPagingCycle*, in seconds                        |
 /// | idrx_reps           | lte-rrc.mpdcch_NumRepetition_Paging*, else                     |
 /// |                     | lte-rrc.npdcch_NumRepetitionPaging*, a count                   |
-/// | cdrx_int            | lte-rrc.longDRX_CycleStartOffset, in milliseconds              |
+/// | cdrx_int            | lte-rrc.longDRX_CycleStartOffset, by the table of DRX timers   |
 /// | cdrx_on_duration    | lte-rrc.onDurationTimer, in PDCCH subframes                    |
 /// | cdrx_inactive_timer | lte-rrc.drx_InactivityTimer, in PDCCH subframes                |
 /// | connection_state    | the RRC connection message that the packet holds               |

@@ -23,11 +23,11 @@ struct named_value {
 };
 
 constexpr std::array<named_value, 5> rrc_values{{
-    {"/lte-rrc/idrx_int", "idrx_int", " s"},
+    {"/lte-rrc/idrx_int", "idrx_int", ""},
     {"/lte-rrc/idrx_reps", "idrx_reps", ""},
-    {"/lte-rrc/cdrx_int", "cdrx_int", " ms"},
-    {"/lte-rrc/cdrx_on_duration", "cdrx_on_duration", " ms"},
-    {"/lte-rrc/cdrx_inactive_timer", "cdrx_inactive_timer", " ms"},
+    {"/lte-rrc/cdrx_int", "cdrx_int", ""},
+    {"/lte-rrc/cdrx_on_duration", "cdrx_on_duration", ""},
+    {"/lte-rrc/cdrx_inactive_timer", "cdrx_inactive_timer", ""},
 }};
 
 constexpr std::array<named_value, 6> nas_values{{
@@ -88,12 +88,14 @@ std::string emm_message_name(const std::string& type) {
 
 /// "10 seconds (00000101)"; the octet alone where its unit is not known.
 std::string timer_text(const json& timer) {
-    const std::string octet = '(' + text_at(timer, "/bitmask") + ')';
     const std::string unit = text_at(timer, "/unit");
-    if (unit.empty()) {
-        return octet;
+    std::string text;
+    if (unit == "deactivated") {
+        text = unit + ' ';
+    } else if (!unit.empty()) {
+        text = text_at(timer, "/value") + ' ' + unit + ' ';
     }
-    return (unit == "deactivated" ? unit : text_at(timer, "/value") + ' ' + unit) + ' ' + octet;
+    return text + '(' + text_at(timer, "/bitmask") + ')';
 }
 
 /// "262/2 Vodafone D2 GmbH, Germany"; the names only where the operator list has them.

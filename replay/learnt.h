@@ -8,7 +8,7 @@
 
 namespace KIVRA::TSHARK::REPLAY {
 
-/// A value that the trace gave, such as "idrx_int" and "2.56 s".
+/// A value that the trace gave, such as "idrx_int" and "2.56".
 struct learnt_value {
     std::string name;
     std::string value;

@@ -57,6 +57,8 @@ class sink final : public record_runner {
     sink(const plugin& loaded, const std::filesystem::path& tshark_directory,
          const std::filesystem::path& profile);
     ~sink() override;
+    sink(const sink&) = delete;
+    sink& operator=(const sink&) = delete;
 
     void complete() override;
 

@@ -26,7 +26,7 @@ constexpr std::string_view plain = "\033[0m";
 std::string joined(const learnt& said) {
     std::string text;
     for (const auto& [name, value] : said.values) {
-        text += (text.empty() ? "" : ", ") + name + ' ' + value;
+        text.append(text.empty() ? "" : ", ").append(name).append(1, ' ').append(value);
     }
     return text;
 }

@@ -56,7 +56,7 @@ class installation : public scratch_test {
     process_result configure(const fs::path& project) const {
         return run_process({KIVRA_CMAKE, "-S", project, "-B", "project",
                             "-DCMAKE_PREFIX_PATH=" + prefix().string(),
-                            "-DCMAKE_C_COMPILER=" KIVRA_C_COMPILER});
+                            std::string("-DCMAKE_C_COMPILER=") + KIVRA_C_COMPILER});
     }
 
     void expect_host_works(const fs::path& host) const {
@@ -68,10 +68,12 @@ class installation : public scratch_test {
     }
 };
 
-TEST_F(installation, holds_plugin_header_licences_and_documents) {
-    EXPECT_THAT(files(),
-                IsSupersetOf({std::string(plugin), std::string("include/kivra/tshark_sink.h"),
-                              std::string("bin/kivra-replay")}));
+TEST_F(installation, holds_plugin_header_program_and_documents) {
+    EXPECT_THAT(
+        files(),
+        IsSupersetOf({std::string(plugin), std::string("include/kivra/tshark_sink.h"),
+                      std::string("bin/kivra-replay"), std::string("share/man/man1/kivra-replay.1"),
+                      std::string("share/bash-completion/completions/kivra-replay")}));
     std::vector<std::string> documents;
     for (const char* name : {"LICENSE", "NOTICE", "copyright", "README.md", "CHANGELOG.md",
                              "docs/architecture.md", "examples/host.c", "examples/host.cpp",

@@ -113,7 +113,7 @@ TEST_F(batches, tell_of_the_records_behind_the_end_of_a_tshark_that_fails) {
     EXPECT_THAT(
         result.output,
         testing::AllOf(
-            HasSubstr("  idrx_int 0.64 s, idrx_reps 64\n"), HasSubstr("  rrcConnectionRequest\n"),
+            HasSubstr("  idrx_int 0.64, idrx_reps 64\n"), HasSubstr("  rrcConnectionRequest\n"),
             HasSubstr("  failed: output of tshark ended before it came to this record\n"),
             HasSubstr("  PDN prefix ")));
 }
