@@ -20,7 +20,7 @@ LTE_M = ROOT / "examples/captures/ltem_attach_psm.pcapng"
 NB_IOT = ROOT / "examples/captures/nbiot_attach.pcapng"
 SAMPLES = [LTE_M, NB_IOT]
 
-# Records of the LTE-M sample: a NAS identity request, and the attach accept within its RRC message.
+# Records of the LTE-M sample: a security mode complete, and the attach accept within its RRC message.
 SMALL_RECORD = 9
 LARGEST_RECORD = 12
 
