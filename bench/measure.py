@@ -1,5 +1,5 @@
 """Measures the build in the folder BUILD against bare tshark and a plain script, and prints what
-came of it: python3 measure.py BUILD [NAME...]. Everything is timed in turn with what it is compared
+came of it: python3 measure.py BUILD NAME.... Everything is timed in turn with what it is compared
 with; what counts are the ratios of the pairs."""
 
 import argparse
@@ -20,7 +20,7 @@ LTE_M = ROOT / "examples/captures/ltem_attach_psm.pcapng"
 NB_IOT = ROOT / "examples/captures/nbiot_attach.pcapng"
 SAMPLES = [LTE_M, NB_IOT]
 
-# Records of the LTE-M sample: a NAS identity request, and the attach accept within its RRC message.
+# Records of the LTE-M sample: a security mode complete, and the attach accept within its RRC message.
 SMALL_RECORD = 9
 LARGEST_RECORD = 12
 
@@ -212,13 +212,13 @@ MEASUREMENTS = {
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("build", type=pathlib.Path)
-    parser.add_argument("names", nargs="*", choices=[[], *MEASUREMENTS])
+    parser.add_argument("names", nargs="+", choices=MEASUREMENTS)
     wanted = parser.parse_args()
     build = wanted.build.resolve()
     with tempfile.TemporaryDirectory(dir=build) as scratch:
         os.chdir(scratch)
         built = programs(build, pathlib.Path(scratch))
-        for name in wanted.names or MEASUREMENTS:
+        for name in wanted.names:
             MEASUREMENTS[name](built)
 
 
