@@ -12,7 +12,7 @@
 ///    otherwise. The host copies what it keeps.
 /// 4. A callback gets back, untouched, the user data that the host passed along with it. A null
 ///    callback is never called. Callbacks return nothing; they may throw (C++), and what they
-///    throw never leaves the plug-in.
+///    throw never leaves the plug-in. Errors of other languages must end within the callback.
 /// 5. Functions return a `kivra_result`. No exception leaves them.
 /// 6. A context is used from one thread at a time; two contexts are independent. Everything happens
 ///    on the calling thread, which waits while tshark runs.
@@ -246,7 +246,7 @@ typedef int32_t kivra_sink_cancel_function(kivra_sink_context* context);
 typedef void kivra_sink_get_last_error_function(kivra_sink_context* context, void* user_data,
                                                 kivra_error_callback callback);
 
-/// Ends an instance and deletes its working file should it exist. Null is accepted.
+/// Ends an instance and deletes tshark's output file should it exist. Null is accepted.
 /// @return 0; 100 should the tear-down fail
 typedef int32_t kivra_sink_release_function(kivra_sink_context* context);
 

@@ -54,7 +54,7 @@ class installation : public scratch_test {
     }
 
     process_result configure(const fs::path& project) const {
-        return run_process({KIVRA_CMAKE, "-S", project, "-B", "project",
+        return run_process({KIVRA_CMAKE, "-S", project, "-B", "project", "-G", "Ninja",
                             "-DCMAKE_PREFIX_PATH=" + prefix().string(),
                             std::string("-DCMAKE_C_COMPILER=") + KIVRA_C_COMPILER});
     }

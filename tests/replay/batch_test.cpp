@@ -74,6 +74,7 @@ TEST_F(batches, give_what_single_runs_give_for_records_that_go_wrong) {
          lab_network_accept(),
          {exported_pdu_image("http", "GET"), 1},
          {exported_pdu_image("lte_rrc.nosuch", "message"), 2},
+         {exported_pdu_image("lte_rrc.nosuch", "another"), 2},
          {exported_pdu_image("nas-eps", ""), 3},
          {exported_pdu_image("nas-eps", "\xff\xff\xff"), 4},
          {exported_pdu_image("nas-eps", "m"), 5, 99U},
