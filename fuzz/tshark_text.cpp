@@ -48,8 +48,8 @@ void check_parameter_file() {
         return;
     }
     const json profile = json::parse(text);
-    require(profile.size() == PROFILE::profile_defaults().size());
-    for (const auto& [name, value] : PROFILE::profile_defaults()) {
+    require(profile.size() == PROFILE::profile_defaults.size());
+    for (const auto& [name, value] : PROFILE::profile_defaults) {
         require(profile.at(name).is_string());
     }
 }

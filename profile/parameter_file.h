@@ -4,7 +4,6 @@
 #pragma once
 
 #include <array>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -19,7 +18,39 @@ struct profile_member {
 
 /// All 31 members, sorted by name, as they stand before anything is known of the trace. `idrx_int`
 /// and `idrx_reps` have no default (their value here is empty): no file is written without them.
-std::span<const profile_member> profile_defaults();
+inline constexpr std::array<profile_member, 31> profile_defaults{{
+    {"cdrx_inactive_timer", "0"},
+    {"cdrx_int", "0"},
+    {"cdrx_len", "7"},
+    {"cdrx_on_duration", "0"},
+    {"chip", "5"},
+    {"config_lte_edrx_req_value", "0000"},
+    {"config_lte_psm_req_rat", "00000000"},
+    {"config_lte_psm_req_rptau", "00000000"},
+    {"data_en", "off"},
+    {"data_int", "3600"},
+    {"data_size", "100"},
+    {"drx_idle", "(10,80)"},
+    {"drx_sync", "(64,80)"},
+    {"gps_en", "off"},
+    {"gps_fix_time", "1"},
+    {"gps_interval", "1800"},
+    {"idrx_en", "True"},
+    {"idrx_int", ""},
+    {"idrx_len", "10"},
+    {"idrx_nb_sync", ""},
+    {"idrx_reps", ""},
+    {"idrx_sync", "(320,5120)"},
+    {"lte_type", "m1"},
+    {"psm", "False"},
+    {"psm_int", "3600"},
+    {"sim_sleep", "30"},
+    {"sim_sleep_enable", "True"},
+    {"software", "0"},
+    {"tx_power", "23"},
+    {"tx_power_nb", "23"},
+    {"voltage", "3.7"},
+}};
 
 /// A member whose value is a text of the trace.
 struct profile_text {
