@@ -57,6 +57,7 @@ TEST_F(capture_streams, go_on_behind_a_capture_that_breaks) {
                 ThrowsMessage<std::runtime_error>(StartsWith("can't read 1: ")));
     EXPECT_EQ(stream.next()->format, "c");
     EXPECT_FALSE(stream.next());
+    EXPECT_EQ(stream.position(), stream.size());
 }
 
 TEST_F(capture_streams, have_the_size_of_all_captures) {
