@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -19,8 +20,8 @@
 #include "bench/bare_tshark.h"
 #include "data/embedded_operators.h"
 #include "platform/platform.h"
-#include "replay/capture.h"
-#include "replay/plugin.h"
+#include "replay/input/capture.h"
+#include "replay/runner/plugin.h"
 #include "sink/tshark_discovery.h"
 
 namespace {
@@ -43,8 +44,8 @@ std::int64_t nanoseconds_of(const Work& work) {
 }
 
 /// @param number counted from 1
-REPLAY::record record_of(REPLAY::capture& source, int number) {
-    std::optional<REPLAY::record> found;
+REPLAY::trace_record record_of(REPLAY::capture& source, int number) {
+    std::optional<REPLAY::trace_record> found;
     for (int i = 0; i < number; ++i) {
         found = source.next();
     }
@@ -54,19 +55,21 @@ REPLAY::record record_of(REPLAY::capture& source, int number) {
     return *found;
 }
 
-void compare_data_calls(const REPLAY::plugin& loaded, const char* tshark_directory, int pairs,
-                        const char* capture_file, int record_number) {
+void compare_data_calls(const std::shared_ptr<const REPLAY::plugin>& loaded,
+                        const char* tshark_directory, int pairs, const char* capture_file,
+                        int record_number) {
     REPLAY::capture source(capture_file);
-    const auto packet = record_of(source, record_number);
+    const auto record = record_of(source, record_number);
     constexpr auto image = "bare.pcapng";
-    PLATFORM::write_file(image,
-                         ANALYSIS::pcapng_image(packet.format, packet.payload, packet.timestamp));
+    PLATFORM::write_file(
+        image, ANALYSIS::pcapng_head() +
+                   ANALYSIS::pcapng_packet(record.format, record.payload, record.timestamp));
     const auto tshark = SINK::tshark_executable(tshark_directory);
-    REPLAY::sink target(loaded, tshark_directory, profile_file);
+    REPLAY::plugin_sink target(loaded, tshark_directory, profile_file);
 
     const auto data_call = [&] {
-        if (const auto outcome = target.run(packet); outcome.failure) {
-            throw std::runtime_error(*outcome.failure);
+        if (const auto outcome = target.run(record); outcome.failure) {
+            throw std::runtime_error(outcome.failure->text);
         }
     };
     const auto bare = [&] { BENCH::run_bare_tshark(tshark, image, "bare.json"); };
@@ -79,9 +82,10 @@ void compare_data_calls(const REPLAY::plugin& loaded, const char* tshark_directo
 }
 
 /// What either makes is gone before the next begins, outside of the times.
-void compare_inits(const REPLAY::plugin& loaded, const char* tshark_directory, int pairs) {
+void compare_inits(const std::shared_ptr<const REPLAY::plugin>& loaded,
+                   const char* tshark_directory, int pairs) {
     for (int i = 0; i < pairs; ++i) {
-        std::optional<REPLAY::sink> target;
+        std::optional<REPLAY::plugin_sink> target;
         const auto init_time =
             nanoseconds_of([&] { target.emplace(loaded, tshark_directory, profile_file); });
         target.reset();
@@ -97,24 +101,27 @@ std::size_t heap_in_use() {
     return heap.uordblks + heap.hblkhd;
 }
 
-std::size_t heap_of_context(const REPLAY::plugin& loaded, const char* tshark_directory) {
+std::size_t heap_of_context(const std::shared_ptr<const REPLAY::plugin>& loaded,
+                            const char* tshark_directory) {
     // The first one pays for what a process does once.
-    std::optional<REPLAY::sink> first(std::in_place, loaded, tshark_directory, profile_file);
+    std::optional<REPLAY::plugin_sink> first(std::in_place, loaded, tshark_directory, profile_file);
     first.reset();
     const auto before = heap_in_use();
-    const REPLAY::sink target(loaded, tshark_directory, profile_file);
+    const REPLAY::plugin_sink target(loaded, tshark_directory, profile_file);
     return heap_in_use() - before;
 }
 
 int run(int count, char** arguments) {
     const std::string_view what = count > 1 ? arguments[1] : "";
     if (what == "data" && count == 7) {
-        compare_data_calls(REPLAY::plugin(arguments[2]), arguments[3], std::stoi(arguments[4]),
-                           arguments[5], std::stoi(arguments[6]));
+        compare_data_calls(std::make_shared<REPLAY::plugin>(arguments[2]), arguments[3],
+                           std::stoi(arguments[4]), arguments[5], std::stoi(arguments[6]));
     } else if (what == "init" && count == 5) {
-        compare_inits(REPLAY::plugin(arguments[2]), arguments[3], std::stoi(arguments[4]));
+        compare_inits(std::make_shared<REPLAY::plugin>(arguments[2]), arguments[3],
+                      std::stoi(arguments[4]));
     } else if (what == "heap" && count == 4) {
-        std::cout << heap_of_context(REPLAY::plugin(arguments[2]), arguments[3]) << '\n';
+        std::cout << heap_of_context(std::make_shared<REPLAY::plugin>(arguments[2]), arguments[3])
+                  << '\n';
     } else {
         std::cerr << usage;
         return 2;
