@@ -14,6 +14,7 @@
 #include "analysis/tshark_command.h"
 #include "context/file_status.h"
 #include "context/unique_path.h"
+#include "platform/platform.h"
 
 namespace KIVRA::TSHARK::ANALYSIS {
 
@@ -47,7 +48,7 @@ void log_duration(const sink_context& context, steady_clock::time_point start) {
 }
 
 void run_tshark(sink_context& context, const kivra_trace_chunk& chunk,
-                const chunk_receiver& receiver, const char* interpreter) {
+                const chunk_receiver& receiver) {
     const std::string image = pcapng_image(chunk.format, record_payload(chunk), chunk.timestamp);
 
     const auto start = steady_clock::now();
@@ -56,8 +57,8 @@ void run_tshark(sink_context& context, const kivra_trace_chunk& chunk,
     PLATFORM::write_file(capture, image);
     const working_files clean_up(capture, context.tshark_output);
 
-    const auto failure = PLATFORM::run_command_line(
-        tshark_command(context.tshark_executable, capture, context.tshark_output), interpreter);
+    const auto failure = PLATFORM::run_program(context.tshark_executable, tshark_arguments(capture),
+                                               context.tshark_output);
     if (failure) {
         context.log(KIVRA_LOG_ERROR,
                     "invoking tshark failed with error: " + std::to_string(*failure));
@@ -76,12 +77,12 @@ bool is_for_tshark(std::string_view format) {
 }
 
 void analyse_record(sink_context& context, const kivra_trace_chunk& chunk,
-                    const chunk_receiver& receiver, const char* interpreter) {
+                    const chunk_receiver& receiver) {
     if (chunk.format == nullptr) {
         return;
     }
     if (is_for_tshark(chunk.format)) {
-        run_tshark(context, chunk, receiver, interpreter);
+        run_tshark(context, chunk, receiver);
     } else {
         capture_ipv6_prefix(context, chunk, receiver);
     }

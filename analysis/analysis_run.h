@@ -8,7 +8,6 @@
 
 #include "analysis/annotated_chunk.h"
 #include "context/sink_context.h"
-#include "platform/platform.h"
 
 namespace KIVRA::TSHARK::ANALYSIS {
 
@@ -19,12 +18,10 @@ bool is_for_tshark(std::string_view format);
 /// Blocks until tshark has ended. The capture file and tshark's output are gone when it returns or
 /// throws; a file that can't be deleted ends the process. A tshark that can't be started is logged
 /// and is no failure.
-/// @param interpreter the command interpreter that runs tshark
 /// @throws std::filesystem::filesystem_error, std::length_error, std::invalid_argument before any
 ///     file is touched; std::runtime_error "cannot open file" without an output;
 ///     nlohmann::json::exception for an output that can't be made sense of; what a callback throws
 void analyse_record(sink_context& context, const kivra_trace_chunk& chunk,
-                    const chunk_receiver& receiver,
-                    const char* interpreter = PLATFORM::default_interpreter);
+                    const chunk_receiver& receiver);
 
 }  // namespace KIVRA::TSHARK::ANALYSIS

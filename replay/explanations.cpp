@@ -33,7 +33,7 @@ constexpr std::array<explained_complaint, 11> explained_complaints{{
      "tshark ended before the capture did, and the records behind that place have no result. "
      "Without --batch each record has a tshark of its own."},
     {"invoking tshark failed with error",
-     "The system could not start the command interpreter; the number is the system's."},
+     "The system could not create a process for tshark; the number is the system's."},
     {"cut short by the snapshot length",
      "The capture holds only the beginning of the packet; capture without a snapshot length."},
     {" mapping not found",

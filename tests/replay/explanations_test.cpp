@@ -31,7 +31,7 @@ INSTANTIATE_TEST_SUITE_P(
         explanation_case{"output of tshark is nested more than 1000 levels deep", "nested more"},
         explanation_case{"cannot open file", "left no output"},
         explanation_case{"output of tshark ended before it came to this record", "--batch"},
-        explanation_case{"invoking tshark failed with error: 2", "command interpreter"},
+        explanation_case{"invoking tshark failed with error: 2", "could not create a process"},
         explanation_case{"cut short by the snapshot length: 13 of 99 bytes captured", "beginning"},
         explanation_case{"22 mapping not found", "the field is left out"}));
 
