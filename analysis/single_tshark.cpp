@@ -41,8 +41,8 @@ void single_tshark::dissect(const sink_context& context, const std::string& pack
     PLATFORM::write_file(capture, pcapng_head() + packet);
     const working_files clean_up(capture, context.tshark_output);
 
-    const auto failure = PLATFORM::run_command_line(
-        tshark_command(context.tshark_executable, capture, context.tshark_output));
+    const auto failure = PLATFORM::run_program(context.tshark_executable, tshark_arguments(capture),
+                                               context.tshark_output);
     if (failure) {
         context.log(KIVRA_LOG_ERROR,
                     "invoking tshark failed with error: " + std::to_string(*failure));

@@ -22,13 +22,10 @@ tshark_output::tshark_output(const std::filesystem::path& executable,
     }
     reading_end_ = ends[0];
     writing_end_ = ends[1];
-    start(ANALYSIS::tshark_command(executable, capture, path_of_descriptor(writing_end_)));
-}
-
-void tshark_output::start(const std::string& command_line) {
     // The pipe ends when tshark and this end of it are gone.
-    waiting_ = std::thread([this, command_line] {
-        start_error_ = PLATFORM::run_command_line(command_line);
+    waiting_ = std::thread([this, executable, capture] {
+        start_error_ = PLATFORM::run_program(executable, ANALYSIS::tshark_arguments(capture),
+                                             path_of_descriptor(writing_end_));
         close(writing_end_);
     });
 }

@@ -6,12 +6,11 @@
 #include <filesystem>
 #include <optional>
 #include <span>
-#include <string>
 #include <thread>
 
 namespace KIVRA::TSHARK::REPLAY {
 
-/// Starts tshark with the command line of the plug-in; its output goes into a pipe. Ends with it:
+/// Starts tshark with the arguments of the plug-in's; its output goes into a pipe. Ends with it:
 /// what is not read by then is lost, and a tshark that goes on printing is ended by that.
 class tshark_output {
   public:
@@ -27,8 +26,6 @@ class tshark_output {
     std::size_t read(std::span<char> place);
 
   private:
-    void start(const std::string& command_line);
-
     int reading_end_ = -1;
     int writing_end_ = -1;
     std::optional<std::uint32_t> start_error_;

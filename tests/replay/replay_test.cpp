@@ -116,6 +116,28 @@ TEST_F(kivra_replay, shows_every_record_of_an_nb_iot_attach_and_the_profile) {
     EXPECT_THAT(names_in("."), ElementsAre("nb iot.json"));
 }
 
+TEST_F(kivra_replay, runs_in_folders_whose_names_mean_something_to_a_shell) {
+    for (const char* name :
+         {R"(a"; touch INJECTED; "b)", "$(touch INJECTED)", "`touch INJECTED`",
+          R"(a\"; touch INJECTED; \)", "%PATH%", "a\ntouch INJECTED\n", "-touch"}) {
+        fs::create_directories(fs::path(name) / name);
+        fs::create_symlink("/usr/bin/tshark", fs::path(name) / name / "tshark.exe");
+        fs::current_path(name);
+        for (const auto* mode : {"--json", "--batch"}) {
+            const auto result = run({capture_file("nbiot_attach.pcapng"), mode,
+                                     "--tshark-directory", scratch() / name / name});
+            EXPECT_EQ(result.status, 0) << name;
+            EXPECT_EQ(result.error, "8 records, 0 failed\n") << name;
+            EXPECT_EQ(read_json("kivra-profile.json")["idrx_int"], "0.64") << name;
+            fs::remove("kivra-profile.json");
+        }
+        fs::current_path(scratch());
+        EXPECT_THAT(names_in(name), ElementsAre(name));
+        EXPECT_THAT(names_in(fs::path(name) / name), ElementsAre("tshark.exe"));
+        EXPECT_FALSE(fs::exists("INJECTED"));
+    }
+}
+
 TEST_F(kivra_replay, takes_raw_ip_captures) {
     for (const auto link_type : {101U, 228U, 229U}) {
         write_file("ip.pcap",
