@@ -8,8 +8,8 @@
 
 #include "analysis/ipv6_prefix.h"
 #include "analysis/output_processing.h"
-#include "analysis/pcapng_image.h"
 #include "analysis/record_payload.h"
+#include "analysis/tshark/pcapng_image.h"
 
 namespace KIVRA::TSHARK::ANALYSIS {
 

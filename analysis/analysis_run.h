@@ -7,8 +7,8 @@
 
 #include <kivra/tshark_sink.h>
 
-#include "analysis/dissection_source.h"
 #include "analysis/result_delivery.h"
+#include "analysis/tshark/dissection_source.h"
 #include "context/sink_context.h"
 
 namespace KIVRA::TSHARK::ANALYSIS {

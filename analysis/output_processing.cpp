@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "analysis/json_nesting.h"
+#include "analysis/tshark/json_nesting.h"
 #include "profile/result_mapping.h"
 
 namespace KIVRA::TSHARK::ANALYSIS {

@@ -6,7 +6,7 @@
 #include <benchmark/benchmark.h>
 
 #include "analysis/output_processing.h"
-#include "analysis/pcapng_image.h"
+#include "analysis/tshark/pcapng_image.h"
 #include "bench/sample.h"
 #include "context/sink_context.h"
 

@@ -16,7 +16,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "analysis/pcapng_image.h"
+#include "analysis/tshark/pcapng_image.h"
 #include "bench/bare_tshark.h"
 #include "data/embedded_operators.h"
 #include "platform/platform.h"

@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "analysis/output_processing.h"
-#include "analysis/single_tshark.h"
+#include "analysis/tshark/single_tshark.h"
 
 namespace KIVRA::TSHARK::BENCH {
 

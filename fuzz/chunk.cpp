@@ -11,7 +11,7 @@
 
 #include <pcap/pcap.h>
 
-#include "analysis/pcapng_image.h"
+#include "analysis/tshark/pcapng_image.h"
 #include "fuzz/require.h"
 
 namespace {

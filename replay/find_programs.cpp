@@ -1,13 +1,11 @@
 #include "replay/find_programs.h"
 
 #include <algorithm>
-#include <array>
 #include <stdexcept>
 #include <string>
 
+#include "platform/console/console.h"
 #include "platform/platform.h"
-#include "platform/program.h"
-#include "platform/shared_library.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -22,22 +20,6 @@ bool holds_tshark(const fs::path& directory) {
 }
 
 }  // namespace
-
-fs::path find_plugin(const fs::path& program_directory) {
-    const std::string plugin_name =
-        std::string("kivra-tshark-sink") + PLATFORM::shared_library_extension;
-    const std::array candidates{
-        program_directory / plugin_name,
-        (program_directory / "../lib/kivra" / plugin_name).lexically_normal()};
-    for (const auto& candidate : candidates) {
-        std::error_code unreachable;
-        if (fs::exists(candidate, unreachable)) {
-            return candidate;
-        }
-    }
-    throw std::runtime_error("no plug-in: neither " + candidates[0].string() + " nor " +
-                             candidates[1].string() + " exists; name it with --plugin");
-}
 
 fs::path find_tshark_directory(std::string_view folders) {
     while (!folders.empty()) {

@@ -7,10 +7,6 @@
 
 namespace KIVRA::TSHARK::REPLAY {
 
-/// The file of the plug-in in `program_directory`, or else in ../lib/kivra from there.
-/// @throws std::runtime_error when both have none
-std::filesystem::path find_plugin(const std::filesystem::path& program_directory);
-
 /// The first of the folders with an executable file that has a name of tshark's.
 /// @param folders as in PATH: separated by ":", empty ones don't count
 /// @throws std::runtime_error when there is none

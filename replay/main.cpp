@@ -4,7 +4,7 @@
 #include <string>
 #include <variant>
 
-#include "platform/program.h"
+#include "platform/console/console.h"
 #include "replay/options.h"
 #include "replay/output.h"
 #include "replay/replay.h"

@@ -18,7 +18,7 @@ constexpr const char* exit_statuses =
 
 /// The options as CLI11 reads them.
 struct command_line {
-    bool batch = false;
+    bool session = false;
     bool json = false;
     bool quiet = false;
     std::string output;
@@ -48,13 +48,12 @@ void add_report_options(CLI::App& app, command_line& line) {
 }
 
 void add_run_options(CLI::App& app, command_line& line) {
-    app.add_flag("--batch", line.batch,
-                 "Run all records through one tshark, without the plug-in:\n"
-                 "the same results, much faster");
-    add_place(app, "--plugin", "FILE", line.plugin,
-              "The plug-in (default: kivra-tshark-sink.so beside\n"
-              "this program, or in ../lib/kivra from there)")
-        ->excludes("--batch");
+    auto* const plugin = add_place(app, "--plugin", "FILE", line.plugin,
+                                   "Run the records through this plug-in, with a tshark for\n"
+                                   "each (default: in this program, by the same rules, with\n"
+                                   "one tshark for all of them)");
+    app.add_flag("--session", line.session, "Let the plug-in use one tshark for all records")
+        ->needs(plugin);
     add_place(app, "--tshark-directory", "DIR", line.tshark_directory,
               "The folder of tshark (default: the first on PATH\n"
               "that has it)");
@@ -68,10 +67,10 @@ options options_of(const command_line& line) {
         throw std::runtime_error("the standard input can be read only once");
     }
     return {.plugin = line.plugin,
+            .session = line.session,
             .tshark_directory = line.tshark_directory,
             .profile = line.profile,
             .output = line.output,
-            .batch = line.batch,
             .json = line.json,
             .quiet = line.quiet,
             .captures = {line.captures.begin(), line.captures.end()}};
@@ -81,7 +80,7 @@ options options_of(const command_line& line) {
 
 std::variant<options, std::string> read_command_line(int count, const char* const* arguments) {
     CLI::App app(
-        "Replays captures through kivra-tshark-sink and shows what it makes of each record.",
+        "Replays captures as kivra-tshark-sink analyses them and shows what comes of each record.",
         "kivra-replay");
     command_line line;
     app.add_option("CAPTURE", line.captures,

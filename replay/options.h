@@ -9,16 +9,16 @@
 namespace KIVRA::TSHARK::REPLAY {
 
 struct options {
-    /// The plug-in's file; empty: the one that belongs to this program.
+    /// The file of the plug-in that runs the records; empty: they are run in this process.
     std::filesystem::path plugin;
+    /// Whether the plug-in is to use one tshark for all records.
+    bool session = false;
     /// The folder of tshark; empty: found on PATH.
     std::filesystem::path tshark_directory;
     /// The power-profile parameter file to write.
     std::filesystem::path profile;
     /// Where the report goes; empty: the standard output.
     std::filesystem::path output;
-    /// One tshark for all records, without the plug-in.
-    bool batch = false;
     /// JSON Lines for programs, instead of a table for people.
     bool json = false;
     /// Nothing for people but errors.

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/program.h"
+#include "platform/console/console.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 

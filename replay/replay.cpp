@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/console/console.h"
 #include "platform/platform.h"
-#include "platform/program.h"
 #include "replay/find_programs.h"
 #include "replay/input/capture_stream.h"
 #include "replay/output.h"
@@ -21,7 +21,6 @@
 #include "replay/report/json_lines.h"
 #include "replay/report/profile_file.h"
 #include "replay/report/table_report.h"
-#include "replay/runner/batch_source.h"
 #include "replay/runner/in_process.h"
 #include "replay/runner/plugin.h"
 #include "sink/tshark_discovery.h"
@@ -66,11 +65,15 @@ std::vector<std::unique_ptr<report>> reports_for(const options& wanted, output& 
 /// The records of a stream on their way through a runner into the reports.
 class replay_run {
   public:
-    replay_run(const options& wanted, output& out, std::vector<std::unique_ptr<report>> reports)
-        : quiet_(wanted.quiet), out_(out), reports_(std::move(reports)) {}
+    replay_run(const options& wanted, output& out, std::vector<std::unique_ptr<report>> reports,
+               record_runner& runner)
+        : quiet_(wanted.quiet), out_(out), reports_(std::move(reports)), runner_(runner) {}
 
     /// @param heading what runs the records, for people
-    exit_status run(const std::string& heading, capture_stream& records, record_runner& runner);
+    exit_status run(const std::string& heading, capture_stream& records);
+
+    /// Reports what was read so far.
+    void catch_up();
 
   private:
     std::optional<trace_record> next_of(capture_stream& records);
@@ -81,29 +84,33 @@ class replay_run {
     bool quiet_;
     output& out_;
     std::vector<std::unique_ptr<report>> reports_;
-    std::uint64_t records_ = 0;
+    record_runner& runner_;
+    const outcome_handler add_ = [this](const trace_record& record, const outcome& result) {
+        add(record, result);
+    };
+    std::optional<progress> progress_;
+    std::uint64_t read_ = 0;
+    std::uint64_t reported_ = 0;
     std::uint64_t failed_ = 0;
     bool capture_broke_ = false;
 };
 
-exit_status replay_run::run(const std::string& heading, capture_stream& records,
-                            record_runner& runner) {
+exit_status replay_run::run(const std::string& heading, capture_stream& records) {
     const bool shows_progress = !quiet_ && PLATFORM::is_terminal(standard_stream::error);
-    progress bar(shows_progress ? &std::cerr : nullptr, records.size());
+    progress_.emplace(shows_progress ? &std::cerr : nullptr, records.size());
     for (const auto& form : reports_) {
         form->begin(heading);
     }
     out_.flush();
     while (const auto record = next_of(records)) {
-        bar.draw(records.position(), ++records_);
-        const auto result = runner.run(*record);
-        bar.clear();
-        add(*record, result);
+        progress_->draw(records.position(), ++read_);
+        runner_.submit(*record, add_);
     }
+    catch_up();
     if (!PLATFORM::interrupted()) {
-        runner.complete();
+        runner_.complete();
     }
-    bar.clear();
+    progress_->clear();
     for (const auto& form : reports_) {
         form->end();
     }
@@ -112,15 +119,21 @@ exit_status replay_run::run(const std::string& heading, capture_stream& records,
     return status();
 }
 
+void replay_run::catch_up() {
+    runner_.finish(add_);
+}
+
 /// The next record; nothing at the end of the stream, or after an interruption.
 std::optional<trace_record> replay_run::next_of(capture_stream& records) {
     while (!PLATFORM::interrupted()) {
         try {
             return records.next();
-        } catch (const std::runtime_error& error) {
+        } catch (const capture_error& error) {
             // An interruption breaks off a read.
             if (!PLATFORM::interrupted()) {
                 capture_broke_ = true;
+                catch_up();
+                progress_->clear();
                 print_error(error.what());
             }
         }
@@ -129,16 +142,18 @@ std::optional<trace_record> replay_run::next_of(capture_stream& records) {
 }
 
 void replay_run::add(const trace_record& record, const outcome& result) {
+    progress_->clear();
+    ++reported_;
     failed_ += result.failure ? 1 : 0;
     for (const auto& form : reports_) {
-        form->add(records_, record, result);
+        form->add(reported_, record, result);
     }
     out_.flush();
 }
 
 void replay_run::print_count() const {
     if (!quiet_ && !PLATFORM::is_terminal(standard_stream::error)) {
-        std::cerr << pluralise(records_, "record") << ", " << failed_ << " failed\n";
+        std::cerr << pluralise(reported_, "record") << ", " << failed_ << " failed\n";
     }
 }
 
@@ -149,43 +164,35 @@ exit_status replay_run::status() const {
     return failed_ == 0 ? all_went_through : some_failed;
 }
 
-exit_status replay_through_plugin(const options& wanted) {
-    const auto directory = tshark_directory(wanted);
-    const auto file =
-        wanted.plugin.empty() ? find_plugin(PLATFORM::program_directory()) : wanted.plugin;
-    const auto loaded = std::make_shared<const plugin>(file);
-    const auto description = loaded->describe();
-    const profile_file profile(wanted.profile);
-    plugin_sink target(loaded, directory, wanted.profile);
-    output out(wanted.output);
-    capture_stream records(wanted.captures);
-    return replay_run(wanted, out, reports_for(wanted, out, profile))
-        .run(file.string() + ' ' + description.version + ", tshark in " + directory.string(),
-             records, target);
-}
+/// A runner, and what it is, for people.
+struct described_runner {
+    std::unique_ptr<record_runner> runner;
+    std::string description;
+};
 
-exit_status replay_in_batch(const options& wanted) {
+described_runner runner_for(const options& wanted) {
     const auto directory = tshark_directory(wanted);
-    const auto tshark = SINK::tshark_executable(directory);
-    const profile_file profile(wanted.profile);
-    output out(wanted.output);
-    std::vector<working_file> copies;
-    for (const auto& file : wanted.captures) {
-        copies.push_back(copy_of_capture(file));
+    if (wanted.plugin.empty()) {
+        return {std::make_unique<in_process>(SINK::tshark_executable(directory), wanted.profile),
+                "one tshark in " + directory.string() + " for all records"};
     }
-    capture_stream records(wanted.captures, copies);
-    in_process target(
-        tshark, wanted.profile,
-        std::make_unique<batch_source>(tshark, capture_stream(wanted.captures, copies)));
-    return replay_run(wanted, out, reports_for(wanted, out, profile))
-        .run("one tshark in " + directory.string() + " for all records", records, target);
+    const auto loaded = std::make_shared<const plugin>(wanted.plugin);
+    const auto description = loaded->describe();
+    return {std::make_unique<plugin_sink>(loaded, directory, wanted.profile, wanted.session),
+            wanted.plugin.string() + ' ' + description.version +
+                (wanted.session ? ", one tshark in " : ", tshark in ") + directory.string()};
 }
 
 }  // namespace
 
 exit_status replay(const options& wanted) {
     refuse_to_overwrite_captures(wanted);
-    return wanted.batch ? replay_in_batch(wanted) : replay_through_plugin(wanted);
+    const profile_file profile(wanted.profile);
+    const auto [runner, description] = runner_for(wanted);
+    output out(wanted.output);
+    replay_run run(wanted, out, reports_for(wanted, out, profile), *runner);
+    capture_stream records(wanted.captures, [&run] { run.catch_up(); });
+    return run.run(description, records);
 }
 
 void print_error(std::string_view message) {

@@ -7,7 +7,8 @@
 
 #include "analysis/analysis_run.h"
 #include "analysis/result_delivery.h"
-#include "analysis/single_tshark.h"
+#include "analysis/tshark/running_tshark.h"
+#include "analysis/tshark/single_tshark.h"
 #include "context/sink_context.h"
 #include "context/unique_path.h"
 #include "platform/platform.h"
@@ -18,6 +19,8 @@
 /// What the host's opaque pointer points at.
 struct kivra_sink_context final : KIVRA::TSHARK::sink_context {
     using sink_context::sink_context;
+
+    std::unique_ptr<KIVRA::TSHARK::ANALYSIS::dissection_source> tshark;
 };
 
 namespace {
@@ -34,6 +37,13 @@ kivra_version_info version_info() {
     return version;
 }
 
+std::unique_ptr<ANALYSIS::dissection_source> make_source(const SINK::init_values& values) {
+    if (values.tshark_session) {
+        return std::make_unique<ANALYSIS::running_tshark>();
+    }
+    return std::make_unique<ANALYSIS::single_tshark>();
+}
+
 std::unique_ptr<kivra_sink_context> make_context(const kivra_init_parameters& parameters) {
     SINK::init_values values = SINK::read_init_parameters(parameters);
     if (values.tshark_directory.empty()) {
@@ -41,9 +51,11 @@ std::unique_ptr<kivra_sink_context> make_context(const kivra_init_parameters& pa
     }
     auto executable = SINK::tshark_executable(values.tshark_directory);
     auto output = unique_path("tshark", "json");
-    return std::make_unique<kivra_sink_context>(parameters.log_user_data, parameters.log_callback,
-                                                std::move(executable), std::move(output),
-                                                std::move(values.parameter_file));
+    auto context = std::make_unique<kivra_sink_context>(
+        parameters.log_user_data, parameters.log_callback, std::move(executable), std::move(output),
+        std::move(values.parameter_file));
+    context->tshark = make_source(values);
+    return context;
 }
 
 }  // namespace
@@ -96,10 +108,10 @@ std::int32_t kivra_sink_data(kivra_sink_context* context, const kivra_trace_chun
             if (chunk == nullptr) {
                 throw std::invalid_argument("no record was given");
             }
-            ANALYSIS::single_tshark source;
-            ANALYSIS::analyse_record(*context, *chunk, source, [&](const nlohmann::json& document) {
-                ANALYSIS::deliver_result(*chunk, document, callback, user_data);
-            });
+            ANALYSIS::analyse_record(
+                *context, *chunk, *context->tshark, [&](const nlohmann::json& document) {
+                    ANALYSIS::deliver_result(*chunk, document, callback, user_data);
+                });
         });
     } catch (...) {
         // Not even the reason could be kept.

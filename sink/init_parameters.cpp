@@ -45,6 +45,8 @@ init_values read_init_parameters(const kivra_init_parameters& parameters) {
             values.tshark_directory = PLATFORM::path_from_narrow(entry.value);
         } else if (key == "file_path") {
             values.parameter_file = PLATFORM::path_from_narrow(entry.value);
+        } else if (key == "tshark_session") {
+            values.tshark_session = entry.value == std::string_view("on");
         }
     }
     return values;

@@ -15,9 +15,12 @@ extern const char* const init_parameter_schema;
 struct init_values {
     std::filesystem::path tshark_directory;
     std::filesystem::path parameter_file;
+    /// One tshark for all records, instead of one for each.
+    bool tshark_session = false;
 };
 
-/// Reads "tshark_directory" and "file_path"; the later entry of a key counts, other keys and
+/// Reads "tshark_directory", "file_path" and "tshark_session", which the schema does not name and
+/// which is on with the value "on" alone; the later entry of a key counts, other keys and
 /// entries with a null key or value are skipped.
 /// @throws std::runtime_error when the block claims more entries than it has room for,
 ///     std::system_error for a value that is not valid in the file-system code page

@@ -1,10 +1,6 @@
 #include "replay/input/capture.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <array>
-#include <cerrno>
 #include <cstdio>
 #include <stdexcept>
 #include <system_error>
@@ -15,11 +11,7 @@ namespace KIVRA::TSHARK::REPLAY {
 namespace {
 
 [[noreturn]] void fail(const std::string& name, const std::string& reason) {
-    throw std::runtime_error("can't read " + name + ": " + reason);
-}
-
-[[noreturn]] void fail_for_system(const std::string& name) {
-    fail(name, std::generic_category().message(errno));
+    throw capture_error("can't read " + name + ": " + reason);
 }
 
 bool is_standard_input(const std::filesystem::path& file) {
@@ -30,26 +22,6 @@ std::string name_of(const std::filesystem::path& file) {
     return is_standard_input(file) ? "standard input" : file.string();
 }
 
-std::FILE* open(const std::filesystem::path& file) {
-    if (is_standard_input(file)) {
-        return fdopen(dup(STDIN_FILENO), "rb");
-    }
-    return std::fopen(file.c_str(), "rb");
-}
-
-pcap_t* read_head(const std::string& name, std::FILE* stream) {
-    if (stream == nullptr) {
-        fail_for_system(name);
-    }
-    std::array<char, PCAP_ERRBUF_SIZE> reason{};
-    pcap_t* handle = pcap_fopen_offline(stream, reason.data());
-    if (handle == nullptr) {
-        static_cast<void>(std::fclose(stream));
-        fail(name, reason.data());
-    }
-    return handle;
-}
-
 std::string link_type_name(int link_type) {
     const char* name = pcap_datalink_val_to_name(link_type);
     return name == nullptr ? std::to_string(link_type) : name;
@@ -57,13 +29,15 @@ std::string link_type_name(int link_type) {
 
 }  // namespace
 
-capture::capture(const std::filesystem::path& file) : capture(name_of(file), open(file)) {}
-
-capture::capture(const std::filesystem::path& file, const working_file& copy)
-    : capture(name_of(file), open(copy.path())) {}
-
-capture::capture(std::string name, std::FILE* stream)
-    : name_(std::move(name)), handle_(read_head(name_, stream)) {
+capture::capture(const std::filesystem::path& file, std::function<void()> before_waiting)
+    : name_(name_of(file)) {
+    try {
+        stream_ = std::make_unique<PLATFORM::input_stream>(is_standard_input(file) ? "" : file,
+                                                           std::move(before_waiting));
+        read_head();
+    } catch (const std::system_error& error) {
+        fail(name_, error.code().message());
+    }
     const int link_type = pcap_datalink(handle_.get());
     read_packet_ = packet_reader_of(link_type);
     if (read_packet_ == nullptr) {
@@ -72,10 +46,22 @@ capture::capture(std::string name, std::FILE* stream)
     }
 }
 
+void capture::read_head() {
+    std::FILE* stream = stream_->open();
+    std::array<char, PCAP_ERRBUF_SIZE> reason{};
+    handle_.reset(pcap_fopen_offline(stream, reason.data()));
+    if (handle_ == nullptr) {
+        static_cast<void>(std::fclose(stream));
+        stream_->rethrow();
+        fail(name_, reason.data());
+    }
+}
+
 std::optional<trace_record> capture::next() {
     pcap_pkthdr* header = nullptr;
     const u_char* data = nullptr;
     const int result = pcap_next_ex(handle_.get(), &header, &data);
+    stream_->rethrow();
     if (result == PCAP_ERROR_BREAK) {
         return std::nullopt;
     }
@@ -100,34 +86,6 @@ std::optional<trace_record> capture::next() {
                               " of " + std::to_string(header->len) + " bytes captured"};
     }
     return record;
-}
-
-std::uint64_t capture::size() const {
-    struct stat status {};
-    const bool known = fstat(fileno(pcap_file(handle_.get())), &status) == 0;
-    return known && S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
-}
-
-std::uint64_t capture::position() const {
-    const auto position = ftello(pcap_file(handle_.get()));
-    return position < 0 ? 0 : static_cast<std::uint64_t>(position);
-}
-
-working_file copy_of_capture(const std::filesystem::path& file) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(open(file), std::fclose);
-    if (stream == nullptr) {
-        fail_for_system(name_of(file));
-    }
-    working_file copy;
-    std::array<char, 65'536> chunk{};
-    while (const auto count = std::fread(chunk.data(), 1, chunk.size(), stream.get())) {
-        copy.write({chunk.data(), count});
-    }
-    if (std::ferror(stream.get()) != 0) {
-        fail_for_system(name_of(file));
-    }
-    copy.flush();
-    return copy;
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -1,17 +1,11 @@
 #include "replay/input/capture_stream.h"
 
-#include <stdexcept>
-
 namespace KIVRA::TSHARK::REPLAY {
 
 capture_stream::capture_stream(std::span<const std::filesystem::path> captures,
-                               std::span<const working_file> copies) {
-    for (std::size_t i = 0; i < captures.size(); ++i) {
-        if (copies.empty()) {
-            captures_.emplace_back(captures[i]);
-        } else {
-            captures_.emplace_back(captures[i], copies[i]);
-        }
+                               const std::function<void()>& before_waiting) {
+    for (const auto& file : captures) {
+        captures_.emplace_back(file, before_waiting);
     }
 }
 
@@ -21,7 +15,7 @@ std::optional<trace_record> capture_stream::next() {
         std::optional<trace_record> record;
         try {
             record = source.next();
-        } catch (const std::runtime_error&) {
+        } catch (const capture_error&) {
             size_of_finished_ += source.size();
             ++current_;
             throw;

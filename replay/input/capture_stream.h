@@ -4,12 +4,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
 
 #include "replay/input/capture.h"
-#include "replay/input/working_file.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -17,14 +17,14 @@ class capture_stream {
   public:
     /// Opens all of them.
     /// @param captures in the order of their records
-    /// @param copies of the captures, to be read in their place; none, or one each
-    /// @throws std::runtime_error when one can't be read
+    /// @param before_waiting called each time when nothing more can be read at once; may be none
+    /// @throws capture_error when one can't be read
     explicit capture_stream(std::span<const std::filesystem::path> captures,
-                            std::span<const working_file> copies = {});
+                            const std::function<void()>& before_waiting = {});
 
     /// The next record; nothing at the end of the last capture.
-    /// @throws std::runtime_error when a capture can't be read on; the next call goes on with the
-    ///     one behind it
+    /// @throws capture_error when a capture can't be read on; the next call goes on with the
+    ///     one behind it. What `before_waiting` throws
     std::optional<trace_record> next();
 
     /// The sum of the captures' sizes in bytes; 0 when one has none.

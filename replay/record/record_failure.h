@@ -13,8 +13,6 @@ enum class failure_kind {
     malformed_packet,
     /// The capture has only the beginning of the packet.
     truncated_packet,
-    /// tshark ended before it came to the record.
-    tshark_ended,
 };
 
 struct record_failure {

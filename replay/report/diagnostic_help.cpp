@@ -33,9 +33,12 @@ constexpr std::array<help_entry, 7> analysis_help{{
      "tshark left no output: the working directory may be read-only, full or gone."},
 }};
 
-constexpr std::array<help_entry, 2> log_help{{
+constexpr std::array<help_entry, 3> log_help{{
     {"invoking tshark failed with error",
      "The system could not start a process for tshark; the number is the system's."},
+    {"tshark session ended",
+     "The running tshark ended, or printed what is no packet, at this record; it starts anew with "
+     "the next one. The result is what a tshark of the record's own gives."},
     {" mapping not found",
      "tshark shows a value that the table of its field does not have; the field is left out."},
 }};
@@ -58,9 +61,6 @@ std::string_view help_for(const record_failure& failure) {
         case failure_kind::truncated_packet:
             return "The capture holds only the beginning of the packet; capture without a snapshot "
                    "length.";
-        case failure_kind::tshark_ended:
-            return "tshark ended before the capture did, and the records behind that place have no "
-                   "result. Without --batch each record has a tshark of its own.";
     }
     return "";
 }

@@ -8,7 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "platform/program.h"
+#include "platform/console/console.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 

@@ -64,7 +64,7 @@ plugin_description plugin::describe() const {
 
 plugin_sink::plugin_sink(std::shared_ptr<const plugin> loaded,
                          const std::filesystem::path& tshark_directory,
-                         const std::filesystem::path& profile)
+                         const std::filesystem::path& profile, bool session)
     : plugin_(std::move(loaded)) {
     std::string reason = "no reason given";
     kivra_init_parameters parameters{};
@@ -73,7 +73,12 @@ plugin_sink::plugin_sink(std::shared_ptr<const plugin> loaded,
     parameters.entries[1].key = "file_path";
     parameters.entries[1].value = profile.c_str();
     parameters.count = 2;
-    parameters.log_user_data = current();
+    if (session) {
+        parameters.entries[2].key = "tshark_session";
+        parameters.entries[2].value = "on";
+        parameters.count = 3;
+    }
+    parameters.log_user_data = &current_;
     parameters.log_callback = collect_log;
     parameters.error_user_data = &reason;
     parameters.error_callback = copy_error;
@@ -89,14 +94,23 @@ plugin_sink::~plugin_sink() {
     plugin_->release_(context_);
 }
 
-std::optional<record_failure> plugin_sink::run_chunk(const kivra_trace_chunk& chunk) {
-    if (plugin_->data_(context_, &chunk, nullptr, nullptr, current(), collect_document) ==
-        KIVRA_RESULT_SUCCESS) {
-        return std::nullopt;
+void plugin_sink::submit(const trace_record& record, const outcome_handler& handler) {
+    current_ = {};
+    if (record.failure) {
+        current_.failure = record.failure;
+    } else {
+        run(record);
     }
-    record_failure failure;
-    plugin_->get_last_error_(context_, &failure.text, copy_error);
-    return failure;
+    handler(record, current_);
+}
+
+void plugin_sink::run(const trace_record& record) {
+    const auto chunk = chunk_of(record);
+    if (plugin_->data_(context_, &chunk, nullptr, nullptr, &current_, collect_document) !=
+        KIVRA_RESULT_SUCCESS) {
+        auto& failure = current_.failure.emplace();
+        plugin_->get_last_error_(context_, &failure.text, copy_error);
+    }
 }
 
 void plugin_sink::complete() {

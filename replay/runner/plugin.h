@@ -4,12 +4,11 @@
 
 #include <filesystem>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include <kivra/tshark_sink.h>
 
-#include "platform/shared_library.h"
+#include "platform/console/shared_library.h"
 #include "replay/runner/record_runner.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -50,18 +49,22 @@ class plugin {
 /// was completed.
 class plugin_sink final : public record_runner {
   public:
+    /// @param session whether one tshark is to serve all records
     /// @throws std::runtime_error with the plug-in's reason when it refuses
     plugin_sink(std::shared_ptr<const plugin> loaded, const std::filesystem::path& tshark_directory,
-                const std::filesystem::path& profile);
+                const std::filesystem::path& profile, bool session = false);
     ~plugin_sink() override;
     plugin_sink(const plugin_sink&) = delete;
     plugin_sink& operator=(const plugin_sink&) = delete;
 
+    void submit(const trace_record& record, const outcome_handler& handler) override;
+    void finish(const outcome_handler& /*handler*/) override {}
     void complete() override;
 
   private:
-    std::optional<record_failure> run_chunk(const kivra_trace_chunk& chunk) override;
+    void run(const trace_record& record);
 
+    outcome current_;
     std::shared_ptr<const plugin> plugin_;
     kivra_sink_context* context_ = nullptr;
     bool completed_ = false;

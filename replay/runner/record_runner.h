@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <functional>
 
 #include <kivra/tshark_sink.h>
 
@@ -11,8 +11,9 @@
 
 namespace KIVRA::TSHARK::REPLAY {
 
-/// The record as hosts hand it to the plug-in; points into it.
-kivra_trace_chunk chunk_of(const trace_record& record);
+/// Gets each record with its outcome, in the order of the records. The record's payload is not
+/// valid any more.
+using outcome_handler = std::function<void(const trace_record& record, const outcome& result)>;
 
 class record_runner {
   public:
@@ -21,25 +22,20 @@ class record_runner {
     record_runner(const record_runner&) = delete;
     record_runner& operator=(const record_runner&) = delete;
 
-    /// Runs a record, or takes over why it can't be run.
-    outcome run(const trace_record& record);
+    /// Takes a record. Those that are finished by then go to the handler, which may be none.
+    virtual void submit(const trace_record& record, const outcome_handler& handler) = 0;
+
+    /// Waits for all records that were taken.
+    virtual void finish(const outcome_handler& handler) = 0;
 
     /// Tells that there are no more records.
     virtual void complete() = 0;
-
-  protected:
-    /// The log callback; its user data is the runner's `current`.
-    static void collect_log(const void* caller, void* user_data, std::uint32_t level,
-                            const char* message);
-
-    /// Where the record's document and log messages go.
-    outcome* current() { return &current_; }
-
-  private:
-    /// @return why the record failed, when it did
-    virtual std::optional<record_failure> run_chunk(const kivra_trace_chunk& chunk) = 0;
-
-    outcome current_;
 };
+
+/// The record as hosts hand it to the plug-in; points into it.
+kivra_trace_chunk chunk_of(const trace_record& record);
+
+/// A log callback that adds messages to the outcome which the user data points at.
+void collect_log(const void* caller, void* user_data, std::uint32_t level, const char* message);
 
 }  // namespace KIVRA::TSHARK::REPLAY

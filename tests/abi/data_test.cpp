@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "analysis/pcapng_image.h"
+#include "analysis/tshark/pcapng_image.h"
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"

@@ -40,25 +40,6 @@ class locations : public scratch_test {
     }
 };
 
-TEST_F(locations, the_plugin_lies_beside_the_program) {
-    write_file(folder("bin") / "kivra-tshark-sink.so", "");
-    write_file(folder("lib/kivra") / "kivra-tshark-sink.so", "");
-    EXPECT_EQ(find_plugin(scratch() / "bin"), scratch() / "bin/kivra-tshark-sink.so");
-}
-
-TEST_F(locations, the_plugin_lies_in_the_library_folder) {
-    const auto bin = folder("bin");
-    write_file(folder("lib/kivra") / "kivra-tshark-sink.so", "");
-    EXPECT_EQ(find_plugin(bin), scratch() / "lib/kivra/kivra-tshark-sink.so");
-}
-
-TEST_F(locations, a_plugin_that_lies_nowhere_is_told) {
-    EXPECT_THAT([this] { find_plugin(folder("bin")); },
-                ThrowsMessage<std::runtime_error>(
-                    AllOf(HasSubstr((scratch() / "bin/kivra-tshark-sink.so").string()),
-                          HasSubstr((scratch() / "lib/kivra/kivra-tshark-sink.so").string()))));
-}
-
 TEST_F(locations, tshark_lies_in_the_first_folder_that_holds_it) {
     const auto path = joined({folder("none"), folder_with_program("first", "tshark"),
                               folder_with_program("second", "tshark")});

@@ -1,4 +1,5 @@
-// Two thousand records, with a tshark each and with one for all. Takes minutes.
+// Two thousand records, with a tshark each and with one for all, in process and through the
+// plug-in. Takes minutes.
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -36,14 +37,24 @@ using long_captures = scratch_test;
 
 TEST_F(long_captures, have_the_same_outcome_with_one_tshark_as_with_one_each) {
     write_file("c.pcapng", capture_image(exported_pdu_link_type, long_trace()));
-    const auto alone = run_process({KIVRA_REPLAY, "--json", "--profile", "alone.json", "c.pcapng"});
-    const auto batch =
-        run_process({KIVRA_REPLAY, "--json", "--batch", "--profile", "batch.json", "c.pcapng"});
+    const auto run = [](const std::string& profile, const std::vector<std::string>& options) {
+        std::vector<std::string> arguments{KIVRA_REPLAY, "--json", "--profile", profile,
+                                           "c.pcapng"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return run_process(arguments);
+    };
+    const auto alone = run("alone.json", {"--plugin", KIVRA_PLUGIN});
+    const auto together = run("together.json", {});
+    const auto session = run("session.json", {"--plugin", KIVRA_PLUGIN, "--session"});
     EXPECT_EQ(alone.status, 1);
-    EXPECT_EQ(batch.status, 1);
-    EXPECT_EQ(batch.error, alone.error);
-    EXPECT_TRUE(batch.output == without_timing(alone.output));
-    EXPECT_EQ(read_file("batch.json"), read_file("alone.json"));
+    EXPECT_EQ(together.status, 1);
+    EXPECT_EQ(session.status, 1);
+    EXPECT_EQ(together.error, alone.error);
+    EXPECT_EQ(session.error, alone.error);
+    EXPECT_TRUE(together.output == without_timing(alone.output));
+    EXPECT_TRUE(without_timing(session.output) == without_timing(alone.output));
+    EXPECT_EQ(read_file("together.json"), read_file("alone.json"));
+    EXPECT_EQ(read_file("session.json"), read_file("alone.json"));
 }
 
 }  // namespace

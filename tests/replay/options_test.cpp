@@ -24,17 +24,18 @@ TEST(command_line, needs_only_a_capture) {
     EXPECT_EQ(wanted.plugin, "");
     EXPECT_EQ(wanted.tshark_directory, "");
     EXPECT_EQ(wanted.output, "");
-    EXPECT_FALSE(wanted.batch);
+    EXPECT_FALSE(wanted.session);
     EXPECT_FALSE(wanted.json);
     EXPECT_FALSE(wanted.quiet);
 }
 
 TEST(command_line, takes_all_options_and_captures_in_any_order) {
     const auto wanted = std::get<options>(
-        read({"first file.pcap", "--plugin", "p.so", "--tshark-directory=/t s", "--json", "--quiet",
-              "--output", "o.txt", "--profile", "out.json", "b.pcapng"}));
+        read({"first file.pcap", "--plugin", "p.so", "--session", "--tshark-directory=/t s",
+              "--json", "--quiet", "--output", "o.txt", "--profile", "out.json", "b.pcapng"}));
     EXPECT_THAT(wanted.captures, ElementsAre("first file.pcap", "b.pcapng"));
     EXPECT_EQ(wanted.plugin, "p.so");
+    EXPECT_TRUE(wanted.session);
     EXPECT_EQ(wanted.tshark_directory, "/t s");
     EXPECT_EQ(wanted.profile, "out.json");
     EXPECT_EQ(wanted.output, "o.txt");
@@ -49,7 +50,7 @@ TEST(command_line, takes_short_forms) {
 }
 
 TEST(command_line, takes_a_dash_for_a_capture_once) {
-    EXPECT_THAT(std::get<options>(read({"-", "--batch", "a.pcapng"})).captures,
+    EXPECT_THAT(std::get<options>(read({"-", "--json", "a.pcapng"})).captures,
                 ElementsAre("-", "a.pcapng"));
     EXPECT_THAT(
         [] {
@@ -58,12 +59,12 @@ TEST(command_line, takes_a_dash_for_a_capture_once) {
         ThrowsMessage<std::runtime_error>("the standard input can be read only once"));
 }
 
-TEST(command_line, has_no_plugin_in_a_batch) {
+TEST(command_line, has_a_session_with_a_plugin_only) {
     EXPECT_THAT(
         [] {
-            read({"a.pcap", "--batch", "--plugin", "p.so"});
+            read({"a.pcap", "--session"});
         },
-        ThrowsMessage<std::runtime_error>(AllOf(HasSubstr("--plugin"), HasSubstr("--batch"))));
+        ThrowsMessage<std::runtime_error>(AllOf(HasSubstr("--plugin"), HasSubstr("--session"))));
 }
 
 TEST(command_line, takes_a_capture_whose_name_looks_like_an_option_behind_two_dashes) {
@@ -78,7 +79,7 @@ TEST(command_line, asks_for_help) {
     EXPECT_THAT(
         std::get<std::string>(read({"--help"})),
         AllOf(HasSubstr("CAPTURE"), HasSubstr("--plugin FILE"), HasSubstr("--tshark-directory DIR"),
-              HasSubstr("--profile FILE"), HasSubstr("--batch"), HasSubstr("--json"),
+              HasSubstr("--profile FILE"), HasSubstr("--session"), HasSubstr("--json"),
               HasSubstr("-q,--quiet"), HasSubstr("-o,--output FILE"),
               HasSubstr("kivra-profile.json"), HasSubstr("Exit status:")));
 }

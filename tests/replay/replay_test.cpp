@@ -123,9 +123,12 @@ TEST_F(kivra_replay, runs_in_folders_whose_names_mean_something_to_a_shell) {
         fs::create_directories(fs::path(name) / name);
         fs::create_symlink("/usr/bin/tshark", fs::path(name) / name / "tshark.exe");
         fs::current_path(name);
-        for (const auto* mode : {"--json", "--batch"}) {
-            const auto result = run({capture_file("nbiot_attach.pcapng"), mode,
-                                     "--tshark-directory", scratch() / name / name});
+        for (const auto& options :
+             std::vector<std::vector<std::string>>{{}, {"--plugin", KIVRA_PLUGIN}}) {
+            std::vector<std::string> arguments{capture_file("nbiot_attach.pcapng"),
+                                               "--tshark-directory", scratch() / name / name};
+            arguments.insert(arguments.end(), options.begin(), options.end());
+            const auto result = run(arguments);
             EXPECT_EQ(result.status, 0) << name;
             EXPECT_EQ(result.error, "8 records, 0 failed\n") << name;
             EXPECT_EQ(read_json("kivra-profile.json")["idrx_int"], "0.64") << name;
@@ -165,26 +168,20 @@ TEST_F(kivra_replay, takes_several_captures_for_one_stream) {
 
 TEST_F(kivra_replay, reads_the_standard_input) {
     write_capture("c.pcapng", {ip_packet});
-    for (const auto* road : {"--json", "--batch"}) {
-        const auto result = run({"-", road}, {.input = "c.pcapng"});
-        EXPECT_EQ(result.status, 0);
-        EXPECT_EQ(result.error, "1 record, 0 failed\n");
-    }
+    const auto result = run({"-"}, {.input = "c.pcapng"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.error, "1 record, 0 failed\n");
     write_file("c.pcapng", "no capture");
     expect_refusal(run({"-"}, {.input = "c.pcapng"}),
-                   "can't read standard input: unknown file format");
-    expect_refusal(run({"-", "--batch"}, {.input = "c.pcapng"}),
                    "can't read standard input: unknown file format");
 }
 
 TEST_F(kivra_replay, reads_pipes) {
     write_capture("c.pcapng", {ip_packet, ip_packet});
-    for (const std::string road : {"--json", "--batch"}) {
-        const auto result = run_process(
-            {"/bin/bash", "-c", "cat c.pcapng | " KIVRA_REPLAY " - <(cat c.pcapng) " + road});
-        EXPECT_EQ(result.status, 0);
-        EXPECT_EQ(result.error, "4 records, 0 failed\n");
-    }
+    const auto result =
+        run_process({"/bin/bash", "-c", "cat c.pcapng | " KIVRA_REPLAY " - <(cat c.pcapng)"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.error, "4 records, 0 failed\n");
 }
 
 TEST_F(kivra_replay, reports_records_that_fail_and_goes_on) {
@@ -231,7 +228,9 @@ TEST_F(kivra_replay, prints_json_lines) {
               "\n"
               R"({"number":2,"time":"1970-01-01T00:00:00.000000Z","format":"nas-eps",)"
               R"("error":"[json.exception.parse_error.101] parse error at line 1, column 2: )"
-              R"(syntax error while parsing value - invalid literal; last read: 'no'","log":[]})"
+              R"(syntax error while parsing value - invalid literal; last read: 'no'",)"
+              R"("log":[{"level":3,"message":"tshark session ended, record is dissected by a )"
+              R"(tshark of its own"}]})"
               "\n"
               R"({"number":3,"time":"1970-01-01T00:00:00.000000Z","format":"ip",)"
               R"("result":{"nas-eps":{"pdn":{"ICMPv6_prefix":)"
@@ -311,7 +310,7 @@ process_result run_in_group(const std::string& arguments) {
 TEST_F(kivra_replay, ends_after_the_record_at_hand_when_interrupted) {
     write_tshark("bin", interrupting_tshark);
     write_capture("c.pcapng", {ip_packet, system_information("nbiot_attach.pcapng"), ip_packet});
-    const auto result = run_in_group("c.pcapng --tshark-directory bin");
+    const auto result = run_in_group("c.pcapng --tshark-directory bin --plugin " KIVRA_PLUGIN);
     EXPECT_EQ(result.status, ended_by_sigint);
     EXPECT_EQ(result.error, "2 records, 0 failed\n");
     EXPECT_THAT(result.output, AllOf(HasSubstr("  idrx_int 0.64, idrx_reps 64\n\n2 records: 2"),
@@ -319,24 +318,26 @@ TEST_F(kivra_replay, ends_after_the_record_at_hand_when_interrupted) {
     EXPECT_THAT(names_in("."), ElementsAre("bin", "c.pcapng", "group", "kivra-profile.json"));
 }
 
-TEST_F(kivra_replay, ends_a_batch_after_the_record_at_hand_when_interrupted) {
+TEST_F(kivra_replay, reports_what_it_has_read_when_interrupted) {
     write_tshark("bin", interrupting_tshark);
-    write_capture("c.pcapng", {system_information("nbiot_attach.pcapng"), ip_packet});
-    const auto result = run_in_group("c.pcapng --batch --tshark-directory bin");
+    write_capture("c.pcapng", {ip_packet, system_information("nbiot_attach.pcapng"), ip_packet});
+    const auto result = run_in_group("c.pcapng --tshark-directory bin");
     EXPECT_EQ(result.status, ended_by_sigint);
-    EXPECT_THAT(result.error, testing::MatchesRegex("[01] records?, 0 failed\n"));
-    EXPECT_THAT(result.output, HasSubstr("\nprofile kivra-profile.json"));
+    EXPECT_THAT(result.error, testing::MatchesRegex("[23] records, 0 failed\n"));
+    EXPECT_THAT(result.output, AllOf(HasSubstr("  idrx_int 0.64, idrx_reps 64\n"),
+                                     HasSubstr("\nprofile kivra-profile.json\n    idrx_int ")));
+    EXPECT_THAT(names_in("."), ElementsAre("bin", "c.pcapng", "group", "kivra-profile.json"));
 }
 
 TEST_F(kivra_replay, stops_the_loop_of_a_shell_when_interrupted) {
     write_tshark("bin", interrupting_tshark);
     write_capture("c.pcapng", {system_information("nbiot_attach.pcapng")});
-    const auto result = run_process(
-        {"/usr/bin/setsid", "/bin/bash", "-c",
-         "echo $$ > group\n"
-         "for round in 1 2; do\n"
-         "    echo $round >> rounds\n" KIVRA_REPLAY " c.pcapng --tshark-directory bin\n"
-         "done\n"});
+    const auto result =
+        run_process({"/usr/bin/setsid", "/bin/bash", "-c",
+                     "echo $$ > group\n"
+                     "for round in 1 2; do\n"
+                     "    echo $round >> rounds\n" KIVRA_REPLAY " c.pcapng --tshark-directory bin\n"
+                     "done\n"});
     EXPECT_EQ(result.status, ended_by_sigint);
     EXPECT_EQ(read_file("rounds"), "1\n");
 }
@@ -382,19 +383,8 @@ TEST_F(kivra_replay, finds_tshark_on_path) {
     set_environment("PATH", "/nowhere:" + scratch().string() + "/bin");
     const auto result = run({"c.pcapng"});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.output, HasSubstr(", tshark in " + scratch().string() + "/bin\n\n"));
-}
-
-TEST_F(kivra_replay, finds_the_plugin_of_an_installation) {
-    fs::create_directory("bin");
-    fs::create_directories("lib/kivra");
-    fs::copy_file(KIVRA_REPLAY, "bin/kivra-replay");
-    fs::copy_file(KIVRA_RECORDING_PLUGIN, "lib/kivra/kivra-tshark-sink.so");
-    write_capture("c.pcapng", {});
-    const auto result = run_process({"bin/kivra-replay", "c.pcapng"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.output, StartsWith(scratch().string() +
-                                          "/lib/kivra/kivra-tshark-sink.so 1.22.3, tshark in "));
+    EXPECT_THAT(result.output,
+                StartsWith("one tshark in " + scratch().string() + "/bin for all records\n\n"));
 }
 
 TEST_F(kivra_replay, prints_help_and_version) {
@@ -437,19 +427,14 @@ TEST_F(kivra_replay, refuses_a_plugin_that_can_not_be_loaded) {
                    "undefined symbol: kivra_sink_init_parameters");
 }
 
-TEST_F(kivra_replay, refuses_to_run_without_its_plugin) {
-    fs::copy_file(KIVRA_REPLAY, "kivra-replay");
-    write_capture("c.pcapng", {ip_packet});
-    expect_refusal(run_process({"./kivra-replay", "c.pcapng"}),
-                   "no plug-in: neither " + scratch().string() + "/kivra-tshark-sink.so nor ");
-}
-
 TEST_F(kivra_replay, refuses_to_run_without_tshark) {
     const environment_guard kept("PATH");
     set_environment("PATH", "/nowhere");
     write_capture("c.pcapng", {ip_packet});
     expect_refusal(run({"c.pcapng"}), "no tshark on PATH; name its folder with --tshark-directory");
     expect_refusal(run({"c.pcapng", "--tshark-directory", "/nowhere"}),
+                   "tshark not found from path or default installation location");
+    expect_refusal(run({"c.pcapng", "--tshark-directory", "/nowhere", "--plugin", KIVRA_PLUGIN}),
                    "the plug-in can't start: tshark not found from path or default installation "
                    "location");
 }
@@ -459,7 +444,7 @@ TEST_F(kivra_replay, finds_what_it_needs_before_it_reads_a_capture) {
     const auto run_on_pipe = [](const std::string& options) {
         return run_process({"/bin/bash", "-c", "exec 8<> <(:); " KIVRA_REPLAY " - <&8 " + options});
     };
-    for (const std::string road : {"", " --batch"}) {
+    for (const std::string road : {"", " --plugin " KIVRA_PLUGIN}) {
         expect_refusal(run_on_pipe("--tshark-directory /nowhere" + road), "tshark not found");
         expect_refusal(run_on_pipe("--output missing/report" + road), "can't write missing/report");
     }
@@ -479,18 +464,6 @@ TEST_F(kivra_replay, shows_what_a_broken_capture_gives_and_goes_on_with_the_next
                       HasSubstr("\nprofile kivra-profile.json\n"
                                 "    idrx_int                        1.28        record 1\n"
                                 "    idrx_reps                       16          record 1\n")));
-}
-
-TEST_F(kivra_replay, treats_broken_captures_alike_in_a_batch) {
-    const auto whole = capture_image(exported_pdu_link_type,
-                                     {system_information("ltem_attach_psm.pcapng"), ip_packet});
-    write_file("broken.pcapng", whole.substr(0, whole.size() - 10));
-    write_capture("next.pcapng", {ip_packet});
-    const auto alone = run({"--json", "broken.pcapng", "next.pcapng"});
-    const auto batch = run({"--json", "--batch", "broken.pcapng", "next.pcapng"});
-    EXPECT_EQ(batch.status, 2);
-    EXPECT_EQ(batch.error, alone.error);
-    EXPECT_EQ(batch.output, without_timing(alone.output));
 }
 
 TEST_F(kivra_replay, shows_no_profile_of_an_earlier_run) {
@@ -524,8 +497,8 @@ TEST_F(kivra_replay, says_that_the_profile_can_not_be_written) {
 
 TEST_F(kivra_replay, ends_quietly_and_tidies_up_when_nobody_reads_its_output) {
     constexpr int ended_by_sigpipe = -13;
-    for (const auto* road : {"--json", "--batch"}) {
-        const auto result = run({capture_file("nbiot_attach.pcapng"), road, "--profile", "p.json"},
+    for (const std::string form : {"--json", "--output=/dev/stdout"}) {
+        const auto result = run({capture_file("nbiot_attach.pcapng"), "--profile=p.json", form},
                                 {.output_has_no_reader = true});
         EXPECT_EQ(result.status, ended_by_sigpipe);
         EXPECT_EQ(result.error, "");
@@ -534,10 +507,9 @@ TEST_F(kivra_replay, ends_quietly_and_tidies_up_when_nobody_reads_its_output) {
 }
 
 TEST_F(kivra_replay, serves_a_reader_of_its_first_line) {
-    const auto result =
-        run_process({"/bin/bash", "-c",
-                     KIVRA_REPLAY " --json --batch " +
-                         capture_file("nbiot_attach.pcapng").string() + " | head -1"});
+    const auto result = run_process(
+        {"/bin/bash", "-c",
+         KIVRA_REPLAY " --json " + capture_file("nbiot_attach.pcapng").string() + " | head -1"});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output, StartsWith("{\"number\":1,"));
     EXPECT_TRUE(one_line(result.output));
@@ -545,9 +517,9 @@ TEST_F(kivra_replay, serves_a_reader_of_its_first_line) {
 
 TEST_F(kivra_replay, complains_of_closed_standard_streams) {
     write_capture("c.pcapng", {ip_packet});
-    for (const std::string road : {"--json", "--batch"}) {
+    for (const std::string form : {"--json", ""}) {
         const auto result =
-            run_process({"/bin/bash", "-c", KIVRA_REPLAY " c.pcapng " + road + " >&-"});
+            run_process({"/bin/bash", "-c", KIVRA_REPLAY " c.pcapng " + form + " >&-"});
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.error, "kivra-replay: can't write the report: Bad file descriptor\n");
     }

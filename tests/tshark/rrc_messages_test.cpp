@@ -64,6 +64,24 @@ TEST_P(rrc_messages, give_their_values) {
     }
 }
 
+class rrc_messages_in_one_session : public TESTING::scratch_test {};
+
+TEST_F(rrc_messages_in_one_session, give_their_values_and_leave_no_file) {
+    host host;
+    ASSERT_EQ(host.init({{"tshark_directory", TESTING::tshark_directory().string()},
+                         {"tshark_session", "on"}}),
+              0);
+    for (const auto& message : messages()) {
+        host.texts.clear();
+        host.logs.clear();
+        EXPECT_EQ(host.data(message.format, message.payload), 0) << host.last_error().first;
+        EXPECT_EQ(host.texts.empty() ? json() : host.document(), message.result) << message.what;
+        EXPECT_EQ(host.messages(), message.log) << message.what;
+        EXPECT_EQ(host.logs.size(), message.log.size() + 1) << message.what;
+        EXPECT_EQ(TESTING::names_in("."), std::vector<std::string>{}) << message.what;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(all, rrc_messages, testing::ValuesIn(messages()));
 
 }  // namespace

@@ -1,4 +1,5 @@
-// The built plug-in with the real tshark, over whole traces.
+// The built plug-in with the real tshark, over whole traces: with a tshark for each record, and
+// with one for all.
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -19,11 +20,12 @@ using testing::ElementsAre;
 using TESTING::host;
 using testing::IsEmpty;
 
-class traces : public TESTING::scratch_test {
+class traces : public TESTING::scratch_test, public testing::WithParamInterface<const char*> {
   protected:
     void SetUp() override {
         ASSERT_EQ(host_.init({{"tshark_directory", TESTING::tshark_directory().string()},
-                              {"file_path", "profile.json"}}),
+                              {"file_path", "profile.json"},
+                              {"tshark_session", GetParam()}}),
                   0);
     }
 
@@ -47,6 +49,7 @@ class traces : public TESTING::scratch_test {
             const json& result = record["result"];
             EXPECT_EQ(text_of(record), result.is_null() ? "" : result.dump(4)) << record["what"];
             EXPECT_THAT(host_.messages(), IsEmpty()) << record["what"];
+            EXPECT_EQ(host_.logs.size(), record["format"] == "ip" ? 0U : 1U) << record["what"];
         }
         EXPECT_THAT(TESTING::names_in("."), ElementsAre("profile.json"));
         return TESTING::read_file("profile.json");
@@ -55,13 +58,16 @@ class traces : public TESTING::scratch_test {
     host host_;
 };
 
+INSTANTIATE_TEST_SUITE_P(session, traces, testing::Values("off", "on"),
+                         [](const auto& session) { return std::string(session.param); });
+
 std::string defaults_with(const json& values) {
     json profile = TESTING::read_json(TESTING::data_file("profile_of_defaults.json"));
     profile.update(values);
     return profile.dump(4);
 }
 
-TEST_F(traces, of_an_ltem_modem_give_its_results_and_its_profile) {
+TEST_P(traces, of_an_ltem_modem_give_its_results_and_its_profile) {
     EXPECT_EQ(expect_results("ltem_attach_psm.json"),
               defaults_with({{"idrx_int", "2.56"},
                              {"idrx_reps", "32"},
@@ -73,12 +79,12 @@ TEST_F(traces, of_an_ltem_modem_give_its_results_and_its_profile) {
                              {"config_lte_psm_req_rptau", "01000111"}}));
 }
 
-TEST_F(traces, of_an_nbiot_modem_give_its_results_and_its_profile) {
+TEST_P(traces, of_an_nbiot_modem_give_its_results_and_its_profile) {
     EXPECT_EQ(expect_results("nbiot_attach.json"),
               defaults_with({{"idrx_int", "0.64"}, {"idrx_reps", "64"}}));
 }
 
-TEST_F(traces, keep_the_pdn_for_the_prefix_of_a_later_advertisement) {
+TEST_P(traces, keep_the_pdn_for_the_prefix_of_a_later_advertisement) {
     const json records = TESTING::read_json(TESTING::data_file("ltem_attach_psm.json"));
     const json& attach_accept = records[12];
     const json& advertisement = records[14];
@@ -93,14 +99,14 @@ TEST_F(traces, keep_the_pdn_for_the_prefix_of_a_later_advertisement) {
 }
 
 // An attach accept whose protocol configuration options hold two identifiers beside the IPCP one.
-TEST_F(traces, keep_every_protocol_configuration_option_apart) {
+TEST_P(traces, keep_every_protocol_configuration_option_apart) {
     const json records = TESTING::read_json(TESTING::data_file("ltem_attach_psm.json"));
     const json dns = result_of(records[12])["nas-eps"]["dns_server_address_config"];
     EXPECT_EQ(dns["ppp.code"], "3");
     EXPECT_THAT(dns.dump(), testing::HasSubstr("8.8.4.4"));
 }
 
-TEST_F(traces, of_a_lab_network_fail_the_record_that_names_it) {
+TEST_P(traces, of_a_lab_network_fail_the_record_that_names_it) {
     const json records = TESTING::read_json(TESTING::data_file("ltem_attach_psm.json"));
     std::string payload = TESTING::bytes_of(records[12]["hex"].get<std::string>());
     const std::string vodafone = TESTING::bytes_of("f662f220");

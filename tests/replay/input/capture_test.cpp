@@ -1,5 +1,9 @@
 #include "replay/input/capture.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <stdexcept>
 #include <string>
 
@@ -211,8 +215,11 @@ TEST_F(captures, that_break_give_their_records_up_to_there) {
 }
 
 TEST_F(captures, tell_how_far_they_have_been_read) {
-    const auto image = capture_image(exported_pdu_link_type, {{exported_pdu_image("nas-eps", "1")},
-                                                              {exported_pdu_image("ip", "22")}});
+    // More than is read ahead.
+    const std::string message(50'000, 'm');
+    const auto image = capture_image(
+        exported_pdu_link_type,
+        {{exported_pdu_image("nas-eps", message)}, {exported_pdu_image("ip", message)}});
     auto source = opened(image);
     EXPECT_EQ(source.size(), image.size());
     const auto head = source.position();
@@ -222,6 +229,32 @@ TEST_F(captures, tell_how_far_they_have_been_read) {
     EXPECT_LT(head, middle);
     EXPECT_LT(middle, image.size());
     EXPECT_EQ(source.position(), image.size());
+}
+
+TEST_F(captures, tell_when_they_are_about_to_wait) {
+    const auto image =
+        capture_image(exported_pdu_link_type, {{exported_pdu_image("nas-eps", "1")}});
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    // Reads and writes, so that opening does not wait for the other end.
+    const int writer = open("pipe", O_RDWR | O_CLOEXEC);
+    ASSERT_GE(writer, 0);
+    ASSERT_EQ(write(writer, image.data(), image.size()), static_cast<ssize_t>(image.size()));
+    int waits = 0;
+    capture source("pipe", [&] {
+        ++waits;
+        throw std::logic_error("no more");
+    });
+    EXPECT_EQ(payload_of(source.next().value()), "1");
+    EXPECT_EQ(waits, 0);
+    EXPECT_THROW(source.next(), std::logic_error);
+    EXPECT_EQ(waits, 1);
+    close(writer);
+}
+
+TEST_F(captures, that_are_files_never_wait) {
+    write_file("capture", capture_image(exported_pdu_link_type, {}));
+    capture source("capture", [] { FAIL(); });
+    EXPECT_FALSE(source.next());
 }
 
 }  // namespace

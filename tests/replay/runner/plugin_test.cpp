@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -28,6 +29,16 @@ trace_record record_of(const char* format, std::string_view payload) {
             .failure = {}};
 }
 
+outcome run(record_runner& runner, const trace_record& record) {
+    std::vector<outcome> results;
+    runner.submit(record, [&](const trace_record& finished, const outcome& result) {
+        EXPECT_EQ(finished.format, record.format);
+        results.push_back(result);
+    });
+    EXPECT_EQ(results.size(), 1U);
+    return results.at(0);
+}
+
 class plugins : public scratch_test {
   protected:
     const std::shared_ptr<const plugin> loaded_ = std::make_shared<plugin>(KIVRA_RECORDING_PLUGIN);
@@ -43,8 +54,8 @@ TEST_F(plugins, are_called_in_order) {
     static_cast<void>(loaded_->describe());
     {
         plugin_sink target(loaded_, "/t", "p.json");
-        target.run(record_of("nas-eps", "message"));
-        target.run(record_of("ip", ""));
+        run(target, record_of("nas-eps", "message"));
+        run(target, record_of("ip", ""));
         target.complete();
     }
     EXPECT_EQ(read_file("calls"),
@@ -57,6 +68,12 @@ TEST_F(plugins, are_called_in_order) {
               "release\n");
 }
 
+TEST_F(plugins, are_asked_for_a_session) {
+    { const plugin_sink target(loaded_, "/t", "p.json", true); }
+    EXPECT_THAT(read_file("calls"),
+                StartsWith("init tshark_directory=/t file_path=p.json tshark_session=on\n"));
+}
+
 TEST_F(plugins, are_cancelled_when_the_run_is_broken_off) {
     { const plugin_sink target(loaded_, "/t", "p.json"); }
     EXPECT_EQ(read_file("calls"), "init tshark_directory=/t file_path=p.json\ncancel\nrelease\n");
@@ -64,7 +81,7 @@ TEST_F(plugins, are_cancelled_when_the_run_is_broken_off) {
 
 TEST_F(plugins, hand_documents_back) {
     plugin_sink target(loaded_, "/t", "p.json");
-    const auto result = target.run(record_of("document", ""));
+    const auto result = run(target, record_of("document", ""));
     EXPECT_EQ(result.document, nlohmann::json({{"a", "b"}}));
     EXPECT_THAT(result.log, IsEmpty());
     EXPECT_EQ(result.failure, std::nullopt);
@@ -72,17 +89,17 @@ TEST_F(plugins, hand_documents_back) {
 
 TEST_F(plugins, tell_why_a_record_failed_and_go_on) {
     plugin_sink target(loaded_, "/t", "p.json");
-    EXPECT_EQ(target.run(record_of("fail", "this")).failure,
+    EXPECT_EQ(run(target, record_of("fail", "this")).failure,
               (record_failure{failure_kind::analysis, "failed on this"}));
-    EXPECT_EQ(target.run(record_of("document", "")).failure, std::nullopt);
+    EXPECT_EQ(run(target, record_of("document", "")).failure, std::nullopt);
 }
 
 TEST_F(plugins, log_for_the_record_that_is_run) {
     plugin_sink target(loaded_, "/t", "p.json");
-    EXPECT_THAT(target.run(record_of("log", "")).log,
+    EXPECT_THAT(run(target, record_of("log", "")).log,
                 ElementsAre(FieldsAre(3U, "x mapping not found"),
                             FieldsAre(3U, "tshark processing took: 412ms")));
-    EXPECT_THAT(target.run(record_of("ip", "")).log, IsEmpty());
+    EXPECT_THAT(run(target, record_of("ip", "")).log, IsEmpty());
 }
 
 TEST_F(plugins, are_not_given_a_record_that_can_not_be_run) {
@@ -90,7 +107,7 @@ TEST_F(plugins, are_not_given_a_record_that_can_not_be_run) {
         plugin_sink target(loaded_, "/t", "p.json");
         auto record = record_of("document", "");
         record.failure = {failure_kind::truncated_packet, "cut short"};
-        const auto result = target.run(record);
+        const auto result = run(target, record);
         EXPECT_EQ(result.failure, record.failure);
         EXPECT_TRUE(result.document.is_null());
     }

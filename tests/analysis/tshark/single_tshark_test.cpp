@@ -1,4 +1,4 @@
-#include "analysis/single_tshark.h"
+#include "analysis/tshark/single_tshark.h"
 
 #include <stdexcept>
 #include <string>

@@ -1,4 +1,4 @@
-#include "analysis/tshark_command.h"
+#include "analysis/tshark/tshark_arguments.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,11 +1,11 @@
-#include "analysis/single_tshark.h"
+#include "analysis/tshark/single_tshark.h"
 
 #include <array>
 #include <fstream>
 #include <stdexcept>
 
-#include "analysis/pcapng_image.h"
-#include "analysis/tshark_command.h"
+#include "analysis/tshark/pcapng_image.h"
+#include "analysis/tshark/tshark_arguments.h"
 #include "context/file_status.h"
 #include "context/unique_path.h"
 #include "platform/platform.h"

@@ -5,7 +5,7 @@
 #include <csignal>
 #include <system_error>
 
-#include "platform/program.h"
+#include "platform/console/console.h"
 
 namespace KIVRA::TSHARK::PLATFORM {
 
@@ -37,10 +37,6 @@ int descriptor_of(standard_stream stream) {
 }
 
 }  // namespace
-
-fs::path program_directory() {
-    return fs::read_symlink("/proc/self/exe").parent_path();
-}
 
 bool is_terminal(standard_stream stream) {
     return isatty(descriptor_of(stream)) != 0;

@@ -6,9 +6,6 @@
 
 namespace KIVRA::TSHARK::PLATFORM {
 
-/// What the names of shared libraries end in, ".so" for example.
-extern const char* const shared_library_extension;
-
 /// Unloaded with the object.
 class shared_library {
   public:

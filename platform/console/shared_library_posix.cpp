@@ -2,11 +2,9 @@
 
 #include <stdexcept>
 
-#include "platform/shared_library.h"
+#include "platform/console/shared_library.h"
 
 namespace KIVRA::TSHARK::PLATFORM {
-
-const char* const shared_library_extension = ".so";
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "analysis/pcapng_image.h"
+#include "analysis/tshark/pcapng_image.h"
 
 #include <cstddef>
 #include <limits>

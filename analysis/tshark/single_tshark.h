@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "analysis/dissection_source.h"
+#include "analysis/tshark/dissection_source.h"
 
 namespace KIVRA::TSHARK::ANALYSIS {
 

@@ -1,4 +1,4 @@
-/// What a program of the command line needs of its system: its own place, its standard streams, and
+/// What a program of the command line needs of its system: its standard streams, and
 /// the signals that end it. For one program a process; not thread-safe but for `interrupted`.
 #pragma once
 
@@ -7,10 +7,6 @@
 #include <string>
 
 namespace KIVRA::TSHARK::PLATFORM {
-
-/// The folder that the running program's file stands in.
-/// @throws std::filesystem::filesystem_error when the system does not tell
-std::filesystem::path program_directory();
 
 enum class standard_stream { input, output, error };
 

@@ -1,0 +1,49 @@
+/// The JSON output of a running tshark taken apart while it arrives: one text a packet.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "analysis/tshark/json_nesting.h"
+
+namespace KIVRA::TSHARK::ANALYSIS {
+
+/// A packet of tshark's output.
+struct split_packet {
+    /// Which packet of the capture it is, from 1.
+    std::uint64_t number = 0;
+    /// What tshark prints when it reads a capture with this packet alone.
+    std::string text;
+};
+
+/// The output is not the array of packets that tshark prints.
+class not_a_packet : public std::runtime_error {
+  public:
+    not_a_packet() : std::runtime_error("output of tshark holds what is not a packet") {}
+};
+
+class packet_splitter {
+  public:
+    /// Takes more of the output, cut anywhere. Everything taken before must have been split: `next`
+    /// has given nothing.
+    void add(std::string_view output);
+
+    /// The next whole packet of what was taken; nothing when the rest of it is still to come.
+    /// @throws not_a_packet, also from every later call
+    std::optional<split_packet> next();
+
+  private:
+    split_packet finish();
+
+    std::string buffer_;
+    std::size_t position_ = 0;
+    /// The packet that has begun, as far as it was taken.
+    std::string packet_;
+    json_nesting nesting_;
+    bool began_ = false;
+};
+
+}  // namespace KIVRA::TSHARK::ANALYSIS
