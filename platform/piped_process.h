@@ -36,8 +36,8 @@ class piped_process {
     /// @throws process_not_started; std::system_error on Windows for an argument that is not UTF-8
     piped_process(const std::filesystem::path& program, const std::vector<std::string>& arguments);
 
-    /// Ends the program if it still runs, at once, and waits for that. What it has printed and
-    /// nobody has read is lost.
+    /// Ends the program if it still runs, at once, and waits for that; on POSIX its process group
+    /// with it. What it has printed and nobody has read is lost.
     ~piped_process();
     piped_process(const piped_process&) = delete;
     piped_process& operator=(const piped_process&) = delete;

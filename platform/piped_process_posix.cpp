@@ -66,6 +66,11 @@ pipe_ends make_pipe() {
     return {above_standard_streams(std::move(reading)), above_standard_streams(std::move(writing))};
 }
 
+struct pipe_pair {
+    pipe_ends to_child = make_pipe();
+    pipe_ends from_child = make_pipe();
+};
+
 void do_not_block(const descriptor& end) {
     checked(fcntl(end.number(), F_SETFL, O_NONBLOCK));
 }
@@ -83,12 +88,14 @@ bool is_running(pid_t child) {
 
 struct piped_process::connection {
     connection(const std::filesystem::path& program, const std::vector<std::string>& arguments)
-        : connection(program, arguments, make_pipe(), make_pipe()) {}
+        : connection(program, arguments, pipe_pair()) {}
 
     ~connection() {
         input.close();
         output.close();
         if (getpid() == parent && is_running(child)) {
+            // With all that it has started itself, if it is a script around the real program.
+            kill(-child, SIGKILL);
             kill(child, SIGKILL);
             while (waitpid(child, nullptr, 0) == -1 && errno == EINTR) {
             }
@@ -143,11 +150,12 @@ struct piped_process::connection {
 
   private:
     connection(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-               pipe_ends to_child, pipe_ends from_child)
-        : input(std::move(to_child.writing)), output(std::move(from_child.reading)) {
+               pipe_pair pipes)
+        : input(std::move(pipes.to_child.writing)), output(std::move(pipes.from_child.reading)) {
+        do_not_block(input);
         do_not_block(output);
-        const auto [started, error] =
-            spawn(program, arguments, to_child.reading.number(), from_child.writing.number());
+        const auto [started, error] = spawn(program, arguments, pipes.to_child.reading.number(),
+                                            pipes.from_child.writing.number());
         if (error != 0) {
             throw process_not_started(static_cast<std::uint32_t>(error));
         }

@@ -96,7 +96,7 @@ std::wstring in_quotes(const std::wstring& argument) {
 
 std::wstring command_line(const std::filesystem::path& program,
                           const std::vector<std::string>& arguments) {
-    std::wstring line = L'"' + program.native() + L'"';
+    std::wstring line = LR"(")" + program.native() + LR"(")";
     for (const std::string& argument : arguments) {
         const std::filesystem::path wide(std::u8string(argument.begin(), argument.end()));
         line += L' ' + in_quotes(wide.native());

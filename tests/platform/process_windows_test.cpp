@@ -1,15 +1,12 @@
-#include <windows.h>
-
-#include <algorithm>
 #include <string>
 #include <system_error>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "platform/command_interpreter_windows.h"
 #include "platform/platform.h"
 #include "tests/support/files.h"
+#include "tests/support/handles_windows.h"
 #include "tests/support/system.h"
 
 namespace KIVRA::TSHARK::PLATFORM {
@@ -109,36 +106,15 @@ TEST_F(processes_on_windows, get_a_start_up_record_that_says_nothing) {
 }
 
 TEST_F(processes_on_windows, get_no_handle_of_the_host) {
-    SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
-    // A number that no handle of a young process has.
-    HANDLE handle = nullptr;
-    for (int i = 0; i < 1000; ++i) {
-        handle = CreateEventA(&inheritable, TRUE, FALSE, nullptr);
-        ASSERT_NE(handle, nullptr);
-    }
-    TESTING::set_environment("KIVRA_PROBE",
-                             std::to_string(reinterpret_cast<std::intptr_t>(handle)));
+    TESTING::set_environment("KIVRA_PROBE", std::to_string(TESTING::inheritable_handle()));
     EXPECT_EQ(probe("cmd")["has_the_handle"], false);
-}
-
-/// The free places for handles, as a hundred new ones take them.
-std::vector<HANDLE> free_places() {
-    std::vector<HANDLE> places(100);
-    for (HANDLE& place : places) {
-        place = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-    }
-    for (const HANDLE place : places) {
-        CloseHandle(place);
-    }
-    std::ranges::sort(places);
-    return places;
 }
 
 TEST_F(processes_on_windows, leave_no_handle_behind) {
     probe("cmd");
-    const auto before = free_places();
+    const auto before = TESTING::free_handle_places();
     probe("cmd");
-    EXPECT_EQ(free_places(), before);
+    EXPECT_EQ(TESTING::free_handle_places(), before);
 }
 
 }  // namespace
