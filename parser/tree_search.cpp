@@ -24,20 +24,15 @@ const nlohmann::json* first_match(const nlohmann::json& tree, const Matches& mat
     return nullptr;
 }
 
-std::optional<nlohmann::json> copy_of(const nlohmann::json* value) {
-    return value != nullptr ? std::optional(*value) : std::nullopt;
-}
-
 }  // namespace
 
-std::optional<nlohmann::json> find_in_tree(const nlohmann::json& tree, std::string_view name) {
-    return copy_of(first_match(tree, [name](const std::string& member) { return member == name; }));
+const nlohmann::json* find_in_tree(const nlohmann::json& tree, std::string_view name) {
+    return first_match(tree, [name](const std::string& member) { return member == name; });
 }
 
-std::optional<nlohmann::json> find_in_tree_by_prefix(const nlohmann::json& tree,
-                                                     std::string_view prefix) {
-    return copy_of(first_match(
-        tree, [prefix](const std::string& member) { return member.starts_with(prefix); }));
+const nlohmann::json* find_in_tree_by_prefix(const nlohmann::json& tree, std::string_view prefix) {
+    return first_match(tree,
+                       [prefix](const std::string& member) { return member.starts_with(prefix); });
 }
 
 }  // namespace KIVRA::TSHARK::PARSER
