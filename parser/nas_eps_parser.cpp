@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "parser/esm_cause.h"
 #include "parser/gprs_timer.h"
@@ -147,7 +148,7 @@ void nas_eps_parser::parse(const json& packet, json& result) const {
     }
     store_found(find_in_tree(dissection, "PDN address"), result, "pdn");
     store_ambr(dissection, result);
-    store_operator(dissection, operators_, result);
+    store_operator(dissection, *operators_, result);
     store_session_and_tracking_area(dissection, result);
     store_found(find_nas_field(dissection, "nas_eps.emm.EPS_attach_result"), result, "accept");
     store_dns_servers(dissection, result);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -18,6 +19,12 @@ using operator_list = std::vector<nlohmann::json>;
 /// @throws nlohmann::json::parse_error when the text is no JSON
 /// @throws nlohmann::json::type_error 302 when it is no array
 operator_list load_operators(std::string_view text);
+
+/// The list that is built into the program: read by the first call, shared and never changed from
+/// then on. Any thread may call.
+/// @return never null; the same list each time
+/// @throws what `load_operators` throws; the next call then reads the list again
+std::shared_ptr<const operator_list> built_in_operators();
 
 /// The first operator of the list with these codes, or null. Codes compare as numbers: "01" and
 /// "001" are the same, and "100 - 190" is 100. Operators that lack a code are passed over.

@@ -146,12 +146,15 @@ TEST_F(init, may_be_followed_by_complete_and_cancel_at_any_time) {
     EXPECT_EQ(host_.exports.cancel(nullptr), 0);
 }
 
-TEST_F(init, fails_when_the_operator_list_is_an_object) {
+TEST_F(init, fails_each_time_when_the_operator_list_is_an_object) {
     host other(KIVRA_PLUGIN_WITH_OPERATORS_IN_AN_OBJECT);
-    EXPECT_EQ(other.init_with_stand_in(), 1);
-    EXPECT_EQ(other.context, nullptr);
-    EXPECT_THAT(other.init_errors,
-                ElementsAre(Pair(testing::HasSubstr("type must be array, but is object"), 1U)));
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(other.init_with_stand_in(), 1);
+        EXPECT_EQ(other.context, nullptr);
+    }
+    const auto failure =
+        Pair("[json.exception.type_error.302] type must be array, but is object", std::uint32_t{1});
+    EXPECT_THAT(other.init_errors, ElementsAre(failure, failure));
     EXPECT_THAT(TESTING::names_in("."), IsEmpty());
 }
 
