@@ -10,13 +10,13 @@ namespace KIVRA::TSHARK::PARSER {
 
 namespace {
 
-/// @param complaint what is logged behind a value that the table lacks
+/// @param diagnostic what is logged behind a value that the table lacks
 void store_mapped(const parser_base& parser, const nlohmann::json& found, mapping_table table,
-                  std::string_view complaint, nlohmann::json& result, std::string_view member) {
+                  std::string_view diagnostic, nlohmann::json& result, std::string_view member) {
     const auto index = found.get<std::string>();
     const auto entry = std::ranges::find(table, index, &mapping_entry::index);
     if (entry == table.end()) {
-        parser.log(index + std::string(complaint));
+        parser.log(index + std::string(diagnostic));
         return;
     }
     result[lte_rrc_result][member] = entry->value;

@@ -45,9 +45,9 @@ class nas_eps_parser final : public parser_base {
 
     bool accepts(const nlohmann::json& packet) const override;
 
-    /// @throws nlohmann::json::type_error 302 for a field that is no text, 305 when the result
+    /// @throws nlohmann::json::type_error 302 for a field that is not a text, 305 when the result
     ///     holds no object where one is to be written into
-    /// @throws std::invalid_argument, std::out_of_range for a field that is no number, see
+    /// @throws std::invalid_argument, std::out_of_range for a field that is not a number, see
     ///     number_conversion.h
     /// @throws what `find_operator` throws; and type_error 302 for an operator without a name
     void parse(const nlohmann::json& packet, nlohmann::json& result) const override;

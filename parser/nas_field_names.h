@@ -21,7 +21,7 @@ inline constexpr std::string_view nas_eps_result = "nas-eps";
 const nlohmann::json* find_nas_field(const nlohmann::json& tree, std::string_view field);
 
 /// The value of the field that is a direct member of the tree, owned by the tree; null when the
-/// tree has no such member or is no object.
+/// tree has no such member or is not an object.
 /// @param field the older name, "nas_eps.X"
 const nlohmann::json* nas_member(const nlohmann::json& tree, std::string_view field);
 

@@ -65,7 +65,7 @@ bool has_psm_timers(const profile_texts& texts);
 /// all while the path, `idrx_int` or `idrx_reps` is empty.
 ///
 /// A file that can't be written is not reported.
-/// @throws nlohmann::json::type_error 316 for a text that is no UTF-8; nothing is written and no
+/// @throws nlohmann::json::type_error 316 for a text that is not UTF-8; nothing is written and no
 ///     text cleared then
 void write_parameter_file(sink_context& context);
 

@@ -20,7 +20,7 @@ struct profile_value {
     std::string_view file_member;
 };
 
-/// In the order in which they are read: a value that is no text ends the reading.
+/// In the order in which they are read: a value that is not a text ends the reading.
 inline constexpr std::array<profile_value, 7> profile_values{{
     {"lte-rrc", "cdrx_int", "", &profile_texts::cdrx_int, "cdrx_int"},
     {"lte-rrc", "cdrx_on_duration", "", &profile_texts::cdrx_on_duration, "cdrx_on_duration"},
@@ -34,7 +34,7 @@ inline constexpr std::array<profile_value, 7> profile_values{{
      "config_lte_psm_req_rat"},
 }};
 
-/// Discontinuous reception, connected and idle. Each value replaces its default alone.
+/// Discontinuous reception, connected and idle. Each value replaces its own default.
 inline constexpr auto drx_values = std::span(profile_values).first<5>();
 
 /// The timers of the power saving mode, which replace their defaults together: a modem that asks
