@@ -1,19 +1,15 @@
 #include "analysis/analysis_run.h"
 
 #include <chrono>
-#include <filesystem>
-#include <string>
 #include <string_view>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
 #include "analysis/ipv6_prefix.h"
-#include "analysis/json_intake.h"
+#include "analysis/output_processing.h"
 #include "analysis/pcapng_image.h"
 #include "analysis/record_payload.h"
-#include "analysis/tshark_command.h"
-#include "context/file_status.h"
-#include "context/unique_path.h"
 
 namespace KIVRA::TSHARK::ANALYSIS {
 
@@ -21,23 +17,9 @@ namespace {
 
 using steady_clock = std::chrono::steady_clock;
 
-/// Deletes the run's files on every way out. A file that can't be deleted ends the process, since a
-/// destructor can't throw.
-class working_files {
-  public:
-    working_files(const std::filesystem::path& capture, const std::filesystem::path& output)
-        : capture_(capture), output_(output) {}
-    ~working_files() {
-        remove_entry(capture_);
-        remove_entry(output_);
-    }
-    working_files(const working_files&) = delete;
-    working_files& operator=(const working_files&) = delete;
-
-  private:
-    const std::filesystem::path& capture_;
-    const std::filesystem::path& output_;
-};
+bool is_for_tshark(std::string_view format) {
+    return format == "nas-eps" || format.find("lte_rrc") != std::string_view::npos;
+}
 
 void log_duration(const sink_context& context, steady_clock::time_point start) {
     const auto taken =
@@ -46,45 +28,30 @@ void log_duration(const sink_context& context, steady_clock::time_point start) {
                 "tshark processing took: " + std::to_string(taken.count()) + "ms");
 }
 
-void run_tshark(sink_context& context, const kivra_trace_chunk& chunk,
-                const chunk_receiver& receiver, const char* interpreter) {
-    const std::string image = pcapng_image(chunk.format, record_payload(chunk), chunk.timestamp);
-
-    const auto start = steady_clock::now();
-    const std::filesystem::path capture = unique_path("tshark_temp", "pcapng");
-    // A capture that can't be written shows up as tshark's missing output.
-    PLATFORM::write_file(capture, image);
-    const working_files clean_up(capture, context.tshark_output);
-
-    const auto failure = PLATFORM::run_command_line(
-        tshark_command(context.tshark_executable, capture, context.tshark_output), interpreter);
-    if (failure) {
-        context.log(KIVRA_LOG_ERROR,
-                    "invoking tshark failed with error: " + std::to_string(*failure));
-        return;
-    }
-
-    const nlohmann::json result = take_in(context, read_output(context.tshark_output));
-    log_duration(context, start);
-    hand_back(chunk, result, receiver);
-}
-
 }  // namespace
 
-bool is_for_tshark(std::string_view format) {
-    return format == "nas-eps" || format.find("lte_rrc") != std::string_view::npos;
+std::optional<std::string> packet_for_tshark(const kivra_trace_chunk& chunk) {
+    if (chunk.format == nullptr || !is_for_tshark(chunk.format)) {
+        return std::nullopt;
+    }
+    return pcapng_packet(chunk.format, record_payload(chunk), chunk.timestamp);
 }
 
 void analyse_record(sink_context& context, const kivra_trace_chunk& chunk,
-                    const chunk_receiver& receiver, const char* interpreter) {
-    if (chunk.format == nullptr) {
+                    dissection_source& source, const document_receiver& receive) {
+    const auto packet = packet_for_tshark(chunk);
+    if (!packet) {
+        capture_ipv6_prefix(context, chunk, receive);
         return;
     }
-    if (is_for_tshark(chunk.format)) {
-        run_tshark(context, chunk, receiver, interpreter);
-    } else {
-        capture_ipv6_prefix(context, chunk, receiver);
-    }
+    const auto start = steady_clock::now();
+    source.dissect(context, *packet, [&](std::string output) {
+        nlohmann::json document = process_output(context, std::move(output));
+        log_duration(context, start);
+        if (!document.empty()) {
+            receive(std::move(document));
+        }
+    });
 }
 
 }  // namespace KIVRA::TSHARK::ANALYSIS

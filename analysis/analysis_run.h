@@ -1,30 +1,29 @@
 /// What one data call does with its record: tshark for NAS and RRC messages, the prefix capture for
-/// IP packets, nothing for the rest.
+/// IP packets, nothing for the rest. The one place that decides this, whoever runs the records.
 #pragma once
 
-#include <string_view>
+#include <optional>
+#include <string>
 
 #include <kivra/tshark_sink.h>
 
-#include "analysis/annotated_chunk.h"
+#include "analysis/dissection_source.h"
+#include "analysis/result_delivery.h"
 #include "context/sink_context.h"
-#include "platform/platform.h"
 
 namespace KIVRA::TSHARK::ANALYSIS {
 
-/// Whether records of this format go through tshark: NAS messages of EPS, and LTE RRC messages of
-/// every channel.
-bool is_for_tshark(std::string_view format);
+/// The record as a block of a capture file when it is one for tshark: a NAS message of EPS, or an
+/// LTE RRC message of any channel. Nothing for every other record.
+/// @throws std::length_error, std::invalid_argument for a record that can't stand in a capture
+std::optional<std::string> packet_for_tshark(const kivra_trace_chunk& chunk);
 
-/// Blocks until tshark has ended. The capture file and tshark's output are gone when it returns or
-/// throws; a file that can't be deleted ends the process. A tshark that can't be started is logged
-/// and is no failure.
-/// @param interpreter the command interpreter that runs tshark
-/// @throws std::filesystem::filesystem_error, std::length_error, std::invalid_argument before any
-///     file is touched; std::runtime_error "cannot open file" without an output;
+/// Blocks until the record is finished.
+/// @param source where the dissection comes from
+/// @param receive gets the result document, unless that is empty
+/// @throws as `packet_for_tshark`, before anything is done; what the source throws;
 ///     nlohmann::json::exception for an output that can't be made sense of; what a callback throws
 void analyse_record(sink_context& context, const kivra_trace_chunk& chunk,
-                    const chunk_receiver& receiver,
-                    const char* interpreter = PLATFORM::default_interpreter);
+                    dissection_source& source, const document_receiver& receive);
 
 }  // namespace KIVRA::TSHARK::ANALYSIS

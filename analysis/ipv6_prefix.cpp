@@ -45,8 +45,9 @@ std::string prefix_text(std::span<const std::uint8_t> prefix) {
 }  // namespace
 
 void capture_ipv6_prefix(sink_context& context, const kivra_trace_chunk& chunk,
-                         const chunk_receiver& receiver) {
-    if (chunk.format != std::string_view("ip") || chunk.size < prefix_offset + prefix_length) {
+                         const document_receiver& receive) {
+    if (chunk.format == nullptr || chunk.format != std::string_view("ip") ||
+        chunk.size < prefix_offset + prefix_length) {
         return;
     }
     const auto packet = record_payload(chunk);
@@ -57,7 +58,7 @@ void capture_ipv6_prefix(sink_context& context, const kivra_trace_chunk& chunk,
     nlohmann::json& document = context.carried_state.empty() ? separate : context.carried_state;
     document["nas-eps"]["pdn"]["ICMPv6_prefix"] =
         prefix_text(packet.subspan(prefix_offset, prefix_length));
-    hand_back(chunk, document, receiver);
+    receive(document);
 }
 
 }  // namespace KIVRA::TSHARK::ANALYSIS

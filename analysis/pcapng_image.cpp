@@ -130,9 +130,4 @@ std::string pcapng_packet(std::string_view format, std::span<const std::uint8_t>
     return std::move(image).take();
 }
 
-std::string pcapng_image(std::string_view format, std::span<const std::uint8_t> payload,
-                         std::uint64_t timestamp) {
-    return pcapng_head() + pcapng_packet(format, payload, timestamp);
-}
-
 }  // namespace KIVRA::TSHARK::ANALYSIS

@@ -23,9 +23,4 @@ std::string pcapng_head();
 std::string pcapng_packet(std::string_view format, std::span<const std::uint8_t> payload,
                           std::uint64_t timestamp);
 
-/// The whole file of one record: the head and the record's block.
-/// @throws std::length_error as `pcapng_packet` does
-std::string pcapng_image(std::string_view format, std::span<const std::uint8_t> payload,
-                         std::uint64_t timestamp);
-
 }  // namespace KIVRA::TSHARK::ANALYSIS

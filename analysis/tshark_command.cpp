@@ -2,20 +2,9 @@
 
 namespace KIVRA::TSHARK::ANALYSIS {
 
-namespace {
-
-std::string utf8(const std::filesystem::path& path) {
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
-
-}  // namespace
-
-std::string tshark_command(const std::filesystem::path& executable,
-                           const std::filesystem::path& capture,
-                           const std::filesystem::path& output) {
-    return R"(cmd /c "")" + utf8(executable) + R"(" -Y "nas-eps||lte_rrc" -r ")" + utf8(capture) +
-           R"(" -T json > ")" + utf8(output) + R"("")";
+std::vector<std::string> tshark_arguments(const std::filesystem::path& capture) {
+    const std::u8string file = capture.u8string();
+    return {"-Y", "nas-eps||lte_rrc", "-r", {file.begin(), file.end()}, "-T", "json"};
 }
 
 }  // namespace KIVRA::TSHARK::ANALYSIS

@@ -1,16 +1,16 @@
-/// The command line that runs tshark on a capture file and redirects its JSON output.
+/// What tshark is asked for: the packets that the parsers read, as JSON.
 #pragma once
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace KIVRA::TSHARK::ANALYSIS {
 
-/// UTF-8, written for cmd.exe, which wants the whole command in a further pair of quotes. The paths
-/// stand as they are: blanks are fine, a double quote in one breaks the line.
-/// @throws std::system_error for a path that has no UTF-8 form
-std::string tshark_command(const std::filesystem::path& executable,
-                           const std::filesystem::path& capture,
-                           const std::filesystem::path& output);
+/// The arguments with which tshark reads a capture and prints its NAS and LTE RRC packets. UTF-8 on
+/// Windows, bytes as they stand on POSIX.
+/// @param capture a file, or "-" for tshark's standard input
+/// @throws std::system_error on Windows for a path that has no UTF-8 form
+std::vector<std::string> tshark_arguments(const std::filesystem::path& capture);
 
 }  // namespace KIVRA::TSHARK::ANALYSIS

@@ -5,7 +5,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "analysis/json_intake.h"
+#include "analysis/output_processing.h"
 #include "analysis/pcapng_image.h"
 #include "bench/sample.h"
 #include "context/sink_context.h"
@@ -17,7 +17,7 @@ void make_pcapng_image(benchmark::State& state) {
     // About as long as an attach accept within its RRC message.
     const std::vector<std::uint8_t> payload(150, 0x5A);
     while (state.KeepRunning()) {
-        benchmark::DoNotOptimize(pcapng_image("lte_rrc.dl_dcch", payload, 1'764'000'000'000'000));
+        benchmark::DoNotOptimize(pcapng_packet("lte_rrc.dl_dcch", payload, 1'764'000'000'000'000));
     }
 }
 BENCHMARK(make_pcapng_image);
@@ -35,7 +35,7 @@ void take_output_in(benchmark::State& state, const char* sample) {
     sink_context context(nullptr, nullptr, "tshark", "output-that-never-exists", {});
     const std::string output = BENCH::sample_output(sample);
     while (state.KeepRunning()) {
-        benchmark::DoNotOptimize(take_in(context, output));
+        benchmark::DoNotOptimize(process_output(context, output));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(output.size()));
 }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -19,8 +20,8 @@
 #include "bench/bare_tshark.h"
 #include "data/embedded_operators.h"
 #include "platform/platform.h"
-#include "replay/capture.h"
-#include "replay/plugin.h"
+#include "replay/input/capture.h"
+#include "replay/runner/plugin.h"
 #include "sink/tshark_discovery.h"
 
 namespace {
@@ -46,8 +47,8 @@ std::int64_t nanoseconds_of(const Work& work) {
 }
 
 /// @param number counted from 1
-REPLAY::record record_of(REPLAY::capture& source, int number) {
-    std::optional<REPLAY::record> found;
+REPLAY::trace_record record_of(REPLAY::capture& source, int number) {
+    std::optional<REPLAY::trace_record> found;
     for (int i = 0; i < number; ++i) {
         found = source.next();
     }
@@ -57,19 +58,21 @@ REPLAY::record record_of(REPLAY::capture& source, int number) {
     return *found;
 }
 
-void compare_data_calls(const REPLAY::plugin& loaded, const char* tshark_directory, int pairs,
-                        const char* capture_file, int record_number) {
+void compare_data_calls(const std::shared_ptr<const REPLAY::plugin>& loaded,
+                        const char* tshark_directory, int pairs, const char* capture_file,
+                        int record_number) {
     REPLAY::capture source(capture_file);
-    const auto packet = record_of(source, record_number);
+    const auto record = record_of(source, record_number);
     constexpr auto image = "bare.pcapng";
-    PLATFORM::write_file(image,
-                         ANALYSIS::pcapng_image(packet.format, packet.payload, packet.timestamp));
+    PLATFORM::write_file(
+        image, ANALYSIS::pcapng_head() +
+                   ANALYSIS::pcapng_packet(record.format, record.payload, record.timestamp));
     const auto tshark = SINK::tshark_executable(tshark_directory);
-    REPLAY::sink target(loaded, tshark_directory, profile_file);
+    REPLAY::plugin_sink target(loaded, tshark_directory, profile_file);
 
     const auto data_call = [&] {
-        if (const auto outcome = target.run(packet); outcome.failure) {
-            throw std::runtime_error(*outcome.failure);
+        if (const auto outcome = target.run(record); outcome.failure) {
+            throw std::runtime_error(outcome.failure->text);
         }
     };
     const auto bare = [&] { BENCH::run_bare_tshark(tshark, image, "bare.json"); };
@@ -85,10 +88,10 @@ void compare_data_calls(const REPLAY::plugin& loaded, const char* tshark_directo
 /// outside of the times.
 void compare_inits(const char* plugin_file, const char* tshark_directory, int turns) {
     for (int i = 0; i < turns; ++i) {
-        const REPLAY::plugin loaded(plugin_file);
-        std::optional<REPLAY::sink> first;
-        std::optional<REPLAY::sink> second;
-        const auto time_of = [&](std::optional<REPLAY::sink>& target) {
+        const auto loaded = std::make_shared<const REPLAY::plugin>(plugin_file);
+        std::optional<REPLAY::plugin_sink> first;
+        std::optional<REPLAY::plugin_sink> second;
+        const auto time_of = [&](std::optional<REPLAY::plugin_sink>& target) {
             return nanoseconds_of([&] { target.emplace(loaded, tshark_directory, profile_file); });
         };
         const auto first_time = time_of(first);
@@ -105,11 +108,12 @@ std::size_t heap_in_use() {
     return heap.uordblks + heap.hblkhd;
 }
 
-void show_heap_of_contexts(const REPLAY::plugin& loaded, const char* tshark_directory) {
+void show_heap_of_contexts(const std::shared_ptr<const REPLAY::plugin>& loaded,
+                           const char* tshark_directory) {
     const auto before = heap_in_use();
-    const REPLAY::sink first(loaded, tshark_directory, profile_file);
+    const REPLAY::plugin_sink first(loaded, tshark_directory, profile_file);
     const auto with_first = heap_in_use();
-    const REPLAY::sink second(loaded, tshark_directory, profile_file);
+    const REPLAY::plugin_sink second(loaded, tshark_directory, profile_file);
     const auto with_second = heap_in_use();
     std::cout << with_first - before << ' ' << with_second - with_first << '\n';
 }
@@ -117,12 +121,12 @@ void show_heap_of_contexts(const REPLAY::plugin& loaded, const char* tshark_dire
 int run(int count, char** arguments) {
     const std::string_view what = count > 1 ? arguments[1] : "";
     if (what == "data" && count == 7) {
-        compare_data_calls(REPLAY::plugin(arguments[2]), arguments[3], std::stoi(arguments[4]),
-                           arguments[5], std::stoi(arguments[6]));
+        compare_data_calls(std::make_shared<REPLAY::plugin>(arguments[2]), arguments[3],
+                           std::stoi(arguments[4]), arguments[5], std::stoi(arguments[6]));
     } else if (what == "init" && count == 5) {
         compare_inits(arguments[2], arguments[3], std::stoi(arguments[4]));
     } else if (what == "heap" && count == 4) {
-        show_heap_of_contexts(REPLAY::plugin(arguments[2]), arguments[3]);
+        show_heap_of_contexts(std::make_shared<REPLAY::plugin>(arguments[2]), arguments[3]);
     } else {
         std::cerr << usage;
         return 2;

@@ -2,7 +2,8 @@
 
 #include <filesystem>
 
-#include "analysis/json_intake.h"
+#include "analysis/output_processing.h"
+#include "analysis/single_tshark.h"
 
 namespace KIVRA::TSHARK::BENCH {
 

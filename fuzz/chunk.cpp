@@ -78,7 +78,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const record made = make_record(input);
     std::string image;
     try {
-        image = ANALYSIS::pcapng_image(made.format, made.payload, made.timestamp);
+        image = ANALYSIS::pcapng_head() +
+                ANALYSIS::pcapng_packet(made.format, made.payload, made.timestamp);
     } catch (const std::length_error&) {
         require(made.format.size() > longest_format);
         return 0;

@@ -9,7 +9,6 @@
 #include <kivra/tshark_sink.h>
 #include <nlohmann/json.hpp>
 
-#include "analysis/annotated_chunk.h"
 #include "analysis/ipv6_prefix.h"
 #include "context/sink_context.h"
 #include "fuzz/require.h"
@@ -41,11 +40,6 @@ bool is_router_advertisement(const std::vector<std::uint8_t>& packet) {
     return packet.size() >= 88 && packet[6] == ':' && packet[40] == 134;
 }
 
-void note_prefix(void* user_data, const kivra_annotated_chunk* annotated) {
-    *static_cast<std::string*>(user_data) =
-        json::parse(annotated->text)["nas-eps"]["pdn"]["ICMPv6_prefix"];
-}
-
 /// The 16 bytes that a prefix text stands for.
 std::vector<std::uint8_t> bytes_of(const std::string& prefix) {
     require(prefix.size() == 39);
@@ -69,7 +63,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     std::string prefix;
     try {
-        ANALYSIS::capture_ipv6_prefix(context(), chunk, {note_prefix, &prefix});
+        ANALYSIS::capture_ipv6_prefix(context(), chunk, [&](const json& document) {
+            prefix = document.at("nas-eps").at("pdn").at("ICMPv6_prefix").get<std::string>();
+        });
     } catch (const json::exception&) {
         require(is_router_advertisement(packet));
         return 0;

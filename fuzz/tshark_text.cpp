@@ -11,8 +11,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "analysis/annotated_chunk.h"
-#include "analysis/json_intake.h"
+#include "analysis/output_processing.h"
+#include "analysis/result_delivery.h"
 #include "context/sink_context.h"
 #include "fuzz/require.h"
 #include "profile/parameter_file.h"
@@ -66,9 +66,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     context().carried_state = nullptr;
     const std::string text(reinterpret_cast<const char*>(data), size);
     try {
-        const json result = ANALYSIS::take_in(context(), text);
+        const json result = ANALYSIS::process_output(context(), text);
         if (!result.empty()) {
-            ANALYSIS::hand_back({}, result, {check_text, nullptr});
+            ANALYSIS::deliver_result({}, result, check_text, nullptr);
         }
     } catch (const std::exception&) {
         // The way in which a record fails.

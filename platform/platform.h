@@ -1,4 +1,4 @@
-/// All that differs between Windows and POSIX: starting a process and waiting for it, writing a
+/// All that differs between Windows and POSIX: running a program, writing a
 /// file, what stands at a path, host texts as paths, the PATH variable, the names of tshark's
 /// executable. No state, no ownership; every function may be called from any thread.
 #pragma once
@@ -10,24 +10,27 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 namespace KIVRA::TSHARK::PLATFORM {
 
-/// The command interpreter that `run_command_line` starts unless told otherwise:
-/// C:\Windows\system32\cmd.exe, /bin/sh on POSIX.
-extern const char* const default_interpreter;
-
-/// Hands a command line of the form `cmd /c "..."` to the interpreter and waits, without a limit,
-/// until it has ended. It gets the host's environment and current directory, but no handle, and on
-/// POSIX neither the signal mask nor an ignored SIGCHLD or SIGPIPE. It stands in a process group of
-/// its own (Windows: without a console), which keeps Ctrl-C from it. The exit status is not read.
+/// Runs a program with its standard output in a file, created or overwritten, and waits, without a
+/// limit, until it has ended. It gets the host's environment and current directory, but no handle,
+/// and on POSIX neither the signal mask nor an ignored SIGCHLD or SIGPIPE. It stands in a process
+/// group of its own (Windows: without a console), which keeps Ctrl-C from it. The exit status is
+/// not read.
 ///
-/// On POSIX the text between the outer quotes goes to `sh -c`, with what cmd takes literally and
-/// sh would not ($, ` and \) escaped.
-/// @param command_line UTF-8
-/// @return nothing, or the system's error number when the interpreter could not be started
-std::optional<std::uint32_t> run_command_line(const std::string& command_line,
-                                              const char* interpreter = default_interpreter);
+/// POSIX: the program is started directly, with its arguments as they stand; one that is missing or
+/// can't be executed leaves an empty file, and where the file can't be made nothing is run.
+/// Windows: C:\Windows\system32\cmd.exe runs it (see command_interpreter_windows.h), and what is
+/// true of the file there is cmd's doing.
+/// @param arguments UTF-8 on Windows, bytes as they stand on POSIX
+/// @return nothing, or the system's error number when there could be no process at all (Windows: no
+///     command interpreter)
+/// @throws std::system_error on Windows for a path that has no UTF-8 form
+std::optional<std::uint32_t> run_program(const std::filesystem::path& program,
+                                         const std::vector<std::string>& arguments,
+                                         const std::filesystem::path& output);
 
 /// Creates or overwrites a file. What can't be written is missing from it, without a word; on POSIX
 /// a limit on the size of files (RLIMIT_FSIZE) does not end the process either.

@@ -10,9 +10,8 @@
 namespace KIVRA::TSHARK::PROFILE {
 
 /// Copies the `profile_values` that a result document holds into the texts; the others stay.
-/// @throws nlohmann::json::type_error 302 when one is not a text, or a timer has no bitmask, 305
-/// when
-///     a timer is not an object; those before it have been copied
+/// @throws nlohmann::json::type_error 302 when one is not a text or a timer has no bitmask; 305
+///     when a timer is not an object; the values before it have been copied
 void carry_texts(const nlohmann::json& result, profile_texts& texts);
 
 /// Nothing happens to a packet that no parser accepts.

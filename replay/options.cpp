@@ -14,7 +14,7 @@ constexpr const char* exit_statuses =
     "  0    every record went through\n"
     "  1    some records failed\n"
     "  2    the run could not start, or could not go on to the end\n"
-    "  130  interrupted";
+    "  130  interrupted, as shells show a program that SIGINT ended";
 
 /// The options as CLI11 reads them.
 struct command_line {

@@ -1,13 +1,13 @@
 #include "replay/output.h"
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdlib>
 #include <iostream>
 #include <string>
 #include <string_view>
 #include <system_error>
+
+#include "platform/program.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -37,8 +37,8 @@ std::ostream& output::stream() {
 }
 
 bool output::takes_colour() const {
-    return !file_ && isatty(STDOUT_FILENO) != 0 && environment("NO_COLOR").empty() &&
-           environment("TERM") != "dumb";
+    return !file_ && PLATFORM::is_terminal(PLATFORM::standard_stream::output) &&
+           environment("NO_COLOR").empty() && environment("TERM") != "dumb";
 }
 
 void output::flush() {

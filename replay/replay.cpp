@@ -1,46 +1,37 @@
 #include "replay/replay.h"
 
-#include <unistd.h>
-
 #include <cstdint>
 #include <filesystem>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "platform/platform.h"
-#include "replay/batch.h"
-#include "replay/capture_stream.h"
-#include "replay/interruption.h"
-#include "replay/json_lines.h"
-#include "replay/learnt.h"
-#include "replay/locate.h"
+#include "platform/program.h"
+#include "replay/find_programs.h"
+#include "replay/input/capture_stream.h"
 #include "replay/output.h"
-#include "replay/plugin.h"
-#include "replay/profile_file.h"
 #include "replay/progress.h"
-#include "replay/summary.h"
-#include "replay/table.h"
-#include "replay/text.h"
+#include "replay/report/formatting.h"
+#include "replay/report/json_lines.h"
+#include "replay/report/profile_file.h"
+#include "replay/report/table_report.h"
+#include "replay/runner/batch_source.h"
+#include "replay/runner/in_process.h"
+#include "replay/runner/plugin.h"
+#include "sink/tshark_discovery.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-fs::path program_directory() {
-    return fs::read_symlink("/proc/self/exe").parent_path();
-}
-
-fs::path tshark_directory(const options& wanted) {
-    return wanted.tshark_directory.empty()
-               ? find_tshark_directory(PLATFORM::path_variable().value_or(""))
-               : wanted.tshark_directory;
-}
+using PLATFORM::standard_stream;
 
 /// What would be written over a capture: the report or the profile.
 void refuse_to_overwrite_captures(const options& wanted) {
@@ -54,65 +45,81 @@ void refuse_to_overwrite_captures(const options& wanted) {
     }
 }
 
-/// The records of a stream on their way through a runner into the report.
+fs::path tshark_directory(const options& wanted) {
+    return wanted.tshark_directory.empty()
+               ? find_tshark_directory(PLATFORM::path_variable().value_or(""))
+               : wanted.tshark_directory;
+}
+
+std::vector<std::unique_ptr<report>> reports_for(const options& wanted, output& out,
+                                                 const profile_file& profile) {
+    std::vector<std::unique_ptr<report>> reports;
+    if (wanted.json) {
+        reports.push_back(std::make_unique<json_lines>(out.stream()));
+    } else if (!wanted.quiet) {
+        reports.push_back(
+            std::make_unique<table_report>(out.stream(), out.takes_colour(), profile));
+    }
+    return reports;
+}
+
+/// The records of a stream on their way through a runner into the reports.
 class replay_run {
   public:
-    replay_run(const options& wanted, const profile_file& profile, output& out)
-        : wanted_(wanted), profile_(profile), out_(out), table_(out.stream(), out.takes_colour()) {}
+    replay_run(const options& wanted, output& out, std::vector<std::unique_ptr<report>> reports)
+        : quiet_(wanted.quiet), out_(out), reports_(std::move(reports)) {}
 
     /// @param heading what runs the records, for people
     exit_status run(const std::string& heading, capture_stream& records, record_runner& runner);
 
   private:
-    bool for_people() const { return !wanted_.json && !wanted_.quiet; }
-    std::optional<record> next_of(capture_stream& records);
-    void report(const record& packet, const outcome& result);
-    void finish();
+    std::optional<trace_record> next_of(capture_stream& records);
+    void add(const trace_record& record, const outcome& result);
+    void print_count() const;
     exit_status status() const;
 
-    const options& wanted_;
-    const profile_file& profile_;
+    bool quiet_;
     output& out_;
-    table table_;
-    summary summary_;
-    std::uint64_t number_ = 0;
+    std::vector<std::unique_ptr<report>> reports_;
+    std::uint64_t records_ = 0;
+    std::uint64_t failed_ = 0;
     bool capture_broke_ = false;
 };
 
 exit_status replay_run::run(const std::string& heading, capture_stream& records,
                             record_runner& runner) {
-    const bool shows_progress = !wanted_.quiet && isatty(STDERR_FILENO) != 0;
+    const bool shows_progress = !quiet_ && PLATFORM::is_terminal(standard_stream::error);
     progress bar(shows_progress ? &std::cerr : nullptr, records.size());
-    if (for_people()) {
-        out_.stream() << printable(heading) << "\n\n";
-        table_.head();
-        out_.flush();
+    for (const auto& form : reports_) {
+        form->begin(heading);
     }
-    while (!interrupted()) {
-        const auto packet = next_of(records);
-        if (!packet) {
-            break;
-        }
-        bar.draw(records.position(), ++number_);
-        const auto result = runner.run(*packet);
+    out_.flush();
+    while (const auto record = next_of(records)) {
+        bar.draw(records.position(), ++records_);
+        const auto result = runner.run(*record);
         bar.clear();
-        report(*packet, result);
+        add(*record, result);
     }
-    if (!interrupted()) {
+    if (!PLATFORM::interrupted()) {
         runner.complete();
     }
     bar.clear();
-    finish();
+    for (const auto& form : reports_) {
+        form->end();
+    }
+    out_.flush();
+    print_count();
     return status();
 }
 
-/// The next record; nothing at the end of the stream, or where an interruption breaks off a read.
-std::optional<record> replay_run::next_of(capture_stream& records) {
-    while (!interrupted()) {
+/// The next record; nothing at the end of the stream, or after an interruption.
+std::optional<trace_record> replay_run::next_of(capture_stream& records) {
+    while (!PLATFORM::interrupted()) {
         try {
             return records.next();
         } catch (const std::runtime_error& error) {
-            if (!interrupted()) {
+            // An interruption breaks off a read.
+            if (!PLATFORM::interrupted()) {
                 capture_broke_ = true;
                 print_error(error.what());
             }
@@ -121,66 +128,56 @@ std::optional<record> replay_run::next_of(capture_stream& records) {
     return std::nullopt;
 }
 
-void replay_run::report(const record& packet, const outcome& result) {
-    const auto said = learn_from(result.result);
-    summary_.note(number_, packet, result, said);
-    if (wanted_.json) {
-        out_.stream() << json_line(number_, packet, result);
-    } else if (!wanted_.quiet) {
-        table_.row(number_, packet, result, said);
+void replay_run::add(const trace_record& record, const outcome& result) {
+    failed_ += result.failure ? 1 : 0;
+    for (const auto& form : reports_) {
+        form->add(records_, record, result);
     }
     out_.flush();
 }
 
-void replay_run::finish() {
-    if (for_people()) {
-        summary_.print(out_.stream(), profile_);
-        out_.flush();
-    }
-    if (!wanted_.quiet && isatty(STDERR_FILENO) == 0) {
-        std::cerr << counted(summary_.records(), "record") << ", " << summary_.failed()
-                  << " failed\n";
+void replay_run::print_count() const {
+    if (!quiet_ && !PLATFORM::is_terminal(standard_stream::error)) {
+        std::cerr << pluralise(records_, "record") << ", " << failed_ << " failed\n";
     }
 }
 
 exit_status replay_run::status() const {
-    if (interrupted()) {
-        return interrupted_run;
-    }
     if (capture_broke_) {
         return broken_off;
     }
-    return summary_.failed() == 0 ? all_went_through : some_failed;
+    return failed_ == 0 ? all_went_through : some_failed;
 }
 
 exit_status replay_through_plugin(const options& wanted) {
-    // First of all, so that what can't be read is found before anything is run.
-    capture_stream records(wanted.captures);
-    const auto plugin_file =
-        wanted.plugin.empty() ? find_plugin(program_directory()) : wanted.plugin;
-    const plugin loaded(plugin_file);
-    const auto description = loaded.describe();
-    const profile_file profile(wanted.profile);
     const auto directory = tshark_directory(wanted);
-    sink target(loaded, directory, wanted.profile);
+    const auto file =
+        wanted.plugin.empty() ? find_plugin(PLATFORM::program_directory()) : wanted.plugin;
+    const auto loaded = std::make_shared<const plugin>(file);
+    const auto description = loaded->describe();
+    const profile_file profile(wanted.profile);
+    plugin_sink target(loaded, directory, wanted.profile);
     output out(wanted.output);
-    return replay_run(wanted, profile, out)
-        .run(plugin_file.string() + ' ' + description.version + ", tshark in " + directory.string(),
+    capture_stream records(wanted.captures);
+    return replay_run(wanted, out, reports_for(wanted, out, profile))
+        .run(file.string() + ' ' + description.version + ", tshark in " + directory.string(),
              records, target);
 }
 
 exit_status replay_in_batch(const options& wanted) {
+    const auto directory = tshark_directory(wanted);
+    const auto tshark = SINK::tshark_executable(directory);
+    const profile_file profile(wanted.profile);
+    output out(wanted.output);
     std::vector<working_file> copies;
     for (const auto& file : wanted.captures) {
         copies.push_back(copy_of_capture(file));
     }
-    const batch_capture for_tshark(capture_stream(wanted.captures, copies));
     capture_stream records(wanted.captures, copies);
-    const profile_file profile(wanted.profile);
-    const auto directory = tshark_directory(wanted);
-    batch target(for_tshark, directory, wanted.profile);
-    output out(wanted.output);
-    return replay_run(wanted, profile, out)
+    in_process target(
+        tshark, wanted.profile,
+        std::make_unique<batch_source>(tshark, capture_stream(wanted.captures, copies)));
+    return replay_run(wanted, out, reports_for(wanted, out, profile))
         .run("one tshark in " + directory.string() + " for all records", records, target);
 }
 

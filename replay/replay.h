@@ -11,12 +11,11 @@ enum exit_status {
     all_went_through = 0,
     some_failed = 1,
     broken_off = 2,
-    /// 128 and the number of SIGINT, as shells have it.
-    interrupted_run = 130,
 };
 
-/// Runs the records of the captures and reports. Captures that break are told of on the standard
-/// error.
+/// Runs the records of the captures and reports. All that can fail early does so before a record is
+/// read. Captures that break, and an interruption, end their part of the run; what was read until
+/// then is reported. Errors of captures go to the standard error.
 /// @throws std::runtime_error when the run can't start, reader_gone or std::runtime_error when the
 ///     report can't be written
 exit_status replay(const options& wanted);

@@ -3,8 +3,11 @@
 #include <utility>
 
 #include <kivra/tshark_sink.h>
+#include <nlohmann/json.hpp>
 
 #include "analysis/analysis_run.h"
+#include "analysis/result_delivery.h"
+#include "analysis/single_tshark.h"
 #include "context/sink_context.h"
 #include "context/unique_path.h"
 #include "platform/platform.h"
@@ -93,7 +96,10 @@ std::int32_t kivra_sink_data(kivra_sink_context* context, const kivra_trace_chun
             if (chunk == nullptr) {
                 throw std::invalid_argument("no record was given");
             }
-            ANALYSIS::analyse_record(*context, *chunk, {callback, user_data});
+            ANALYSIS::single_tshark source;
+            ANALYSIS::analyse_record(*context, *chunk, source, [&](const nlohmann::json& document) {
+                ANALYSIS::deliver_result(*chunk, document, callback, user_data);
+            });
         });
     } catch (...) {
         // Not even the reason could be kept.

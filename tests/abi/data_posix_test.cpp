@@ -26,7 +26,7 @@ class data_on_posix : public TESTING::scratch_test {
     host host_;
 };
 
-TEST_F(data_on_posix, logs_an_interpreter_that_cannot_be_started_and_succeeds) {
+TEST_F(data_on_posix, logs_a_process_that_cannot_be_created_and_succeeds) {
     ASSERT_EQ(host_.init_with_stand_in("profile.json"), 0);
     rlimit former{};
     ASSERT_EQ(getrlimit(RLIMIT_NPROC, &former), 0);
@@ -65,24 +65,31 @@ TEST_F(data_on_posix, fails_where_a_name_for_the_capture_cannot_be_queried) {
     EXPECT_THAT(TESTING::names_in("."), IsEmpty());
 }
 
-TEST_F(data_on_posix, works_in_folders_of_any_name_but_one_with_a_double_quote) {
-    const std::string name = "a b&(c);$HOME`id`\\n'%PATH%\xC3\xA4*";
-    fs::create_directory(name);
-    fs::copy(TESTING::stand_in_directory(), fs::path(name) / "tools");
-    fs::current_path(name);
-    TESTING::stand_in_prints("[]");
-    ASSERT_EQ(host_.init({{"tshark_directory", (scratch() / name / "tools").string()}}), 0);
-    EXPECT_EQ(host_.data("nas-eps", ""), 0);
-    EXPECT_EQ(host_.last_error().first, "");
+TEST_F(data_on_posix, works_in_folders_of_any_name) {
+    for (const std::string name :
+         {"a b&(c);$HOME`id`\\n'%PATH%\xC3\xA4*", "a\"; touch INJECTED; \"b", "-a\"b\n\xFF"}) {
+        fs::create_directory(name);
+        fs::copy(TESTING::stand_in_directory(), fs::path(name) / "tools");
+        fs::current_path(name);
+        TESTING::stand_in_prints("[]");
+        ASSERT_EQ(host_.init({{"tshark_directory", (scratch() / name / "tools").string()}}), 0);
+        EXPECT_EQ(host_.data("nas-eps", ""), 0) << name;
+        EXPECT_EQ(host_.last_error().first, "") << name;
+        EXPECT_THAT(TESTING::names_in("."),
+                    testing::ElementsAre("stand_in.output", "stand_in.sh", "tools"));
+        host_.release();
+        fs::current_path(scratch());
+    }
 }
 
-TEST_F(data_on_posix, fails_where_a_double_quote_breaks_the_command_line) {
-    fs::create_directory("a\"b");
-    fs::current_path("a\"b");
-    TESTING::stand_in_prints("[]");
-    ASSERT_EQ(host_.init_with_stand_in(), 0);
+TEST_F(data_on_posix, has_no_text_of_tshark_when_tshark_is_no_program) {
+    fs::create_directory("tools");
+    TESTING::write_file("tools/tshark.exe", "[]");
+    fs::permissions("tools/tshark.exe", fs::perms::owner_all);
+    ASSERT_EQ(host_.init({{"tshark_directory", "tools"}}), 0);
     EXPECT_EQ(host_.data("nas-eps", ""), 100);
-    EXPECT_EQ(host_.last_error().first, "cannot open file");
+    EXPECT_THAT(host_.last_error().first, HasSubstr("parse_error.101"));
+    EXPECT_THAT(host_.logs, IsEmpty());
 }
 
 }  // namespace

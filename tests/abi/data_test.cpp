@@ -103,9 +103,12 @@ TEST_F(data, gives_tshark_the_record_in_a_capture_of_the_working_directory) {
     TESTING::stand_in_runs("cp tshark_temp*.pcapng stand_in.capture; echo '[]'");
     const std::string payload = TESTING::bytes_of("2c02ff");
     EXPECT_EQ(host_.data("lte_rrc.dl_dcch", payload, 0x0000000100000002), 0);
-    const std::string expected = ANALYSIS::pcapng_image(
-        "lte_rrc.dl_dcch", {reinterpret_cast<const std::uint8_t*>(payload.data()), payload.size()},
-        0x0000000100000002);
+    const std::string expected =
+        ANALYSIS::pcapng_head() +
+        ANALYSIS::pcapng_packet(
+            "lte_rrc.dl_dcch",
+            {reinterpret_cast<const std::uint8_t*>(payload.data()), payload.size()},
+            0x0000000100000002);
     EXPECT_EQ(TESTING::hex_of(TESTING::read_file("stand_in.capture")), TESTING::hex_of(expected));
 }
 

@@ -36,12 +36,12 @@ class ipv6_prefix : public TESTING::scratch_test {
         chunk.data = reinterpret_cast<const std::uint8_t*>(packet.data());
         chunk.size = static_cast<std::uint32_t>(packet.size());
         chunk.format = format;
-        capture_ipv6_prefix(context_, chunk, {note, &texts_});
+        capture_ipv6_prefix(context_, chunk, receive_);
     }
 
-    static void note(void* user_data, const kivra_annotated_chunk* chunk) {
-        static_cast<std::vector<std::string>*>(user_data)->emplace_back(chunk->text);
-    }
+    const document_receiver receive_ = [this](const json& document) {
+        texts_.push_back(document.dump(4));
+    };
 
     std::vector<std::string> texts_;
     sink_context context_{nullptr, nullptr, "tshark.exe", scratch() / "output.json", ""};
@@ -120,14 +120,14 @@ TEST_F(ipv6_prefix, needs_the_format_to_the_letter) {
     EXPECT_TRUE(texts_.empty());
 }
 
-TEST_F(ipv6_prefix, is_kept_without_a_callback) {
+TEST_F(ipv6_prefix, is_kept_whatever_becomes_of_the_document) {
     context_.carried_state = with_prefix("old");
     const std::string packet = advertisement();
     kivra_trace_chunk chunk{};
     chunk.data = reinterpret_cast<const std::uint8_t*>(packet.data());
     chunk.size = static_cast<std::uint32_t>(packet.size());
     chunk.format = "ip";
-    capture_ipv6_prefix(context_, chunk, {nullptr, nullptr});
+    capture_ipv6_prefix(context_, chunk, [](const json&) {});
     EXPECT_EQ(context_.carried_state, with_prefix("2001:0db8:0001:0000:0000:0000:0000:0000"));
 }
 
@@ -156,7 +156,7 @@ TEST_F(ipv6_prefix, wants_data_where_there_is_a_size) {
     kivra_trace_chunk chunk{};
     chunk.size = 88;
     chunk.format = "ip";
-    EXPECT_THROW(capture_ipv6_prefix(context_, chunk, {note, &texts_}), std::invalid_argument);
+    EXPECT_THROW(capture_ipv6_prefix(context_, chunk, receive_), std::invalid_argument);
 }
 
 TEST_F(ipv6_prefix, leaves_no_file) {

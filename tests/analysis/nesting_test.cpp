@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "analysis/json_intake.h"
+#include "analysis/output_processing.h"
 
 namespace KIVRA::TSHARK::ANALYSIS {
 namespace {
@@ -34,10 +34,11 @@ std::string nested_objects(std::size_t depth) {
 class nesting : public testing::Test {
   protected:
     void expect_taken_in(const std::string& text) {
-        EXPECT_NO_THROW(take_in(context_, text)) << text.substr(0, 40);
+        EXPECT_NO_THROW(process_output(context_, text)) << text.substr(0, 40);
     }
     void expect_too_deep(const std::string& text) {
-        EXPECT_THAT([&] { take_in(context_, text); }, ThrowsMessage<std::runtime_error>(too_deep));
+        EXPECT_THAT([&] { process_output(context_, text); },
+                    ThrowsMessage<std::runtime_error>(too_deep));
     }
 
     sink_context context_{nullptr, nullptr, "tshark", "output", {}};
@@ -72,7 +73,7 @@ TEST_F(nesting, counts_what_a_repeated_name_hides) {
 }
 
 TEST_F(nesting, counts_only_in_a_text_that_is_json) {
-    EXPECT_THAT([&] { take_in(context_, std::string(1'000'000, '[')); },
+    EXPECT_THAT([&] { process_output(context_, std::string(1'000'000, '[')); },
                 ThrowsMessage<json::parse_error>(HasSubstr("parse_error.101")));
 }
 

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "analysis/json_intake.h"
+#include "analysis/output_processing.h"
 #include "parser/parser_registry.h"
 #include "tests/support/files.h"
 #include "tests/support/parser_probe.h"

@@ -3,36 +3,44 @@
 
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "platform/platform.h"
+#include "tests/support/child_posix.h"
 #include "tests/support/files.h"
+#include "tests/support/limits_posix.h"
+#include "tests/support/privileges_posix.h"
 
 namespace KIVRA::TSHARK::PLATFORM {
 namespace {
 
+namespace fs = std::filesystem;
+using TESTING::limit_guard;
+
+/// Runs a script with its output in "file".
+auto run(const std::string& script) {
+    return run_program("/bin/sh", {"-c", script}, "file");
+}
+
 class processes : public TESTING::scratch_test {
   protected:
-    /// Runs something that takes a while and notes its end in a file.
+    /// Runs something that takes a while before it prints.
     static void run_long(const std::string& first = ":") {
-        TESTING::write_file("long.sh", first + R"(
+        run(first + R"(
             i=0
             while [ $i -lt 30000 ]; do i=$((i + 1)); done
-            echo end > file)");
-        run_command_line("cmd /c \"sh long.sh\"");
+            echo end)");
     }
 };
 
-/// Runs a script behind the quotes of cmd.
-auto run(const std::string& script) {
-    return run_command_line("cmd /c \"" + script + "\"");
-}
-
-TEST_F(processes, run_what_stands_between_the_outer_quotes) {
-    EXPECT_EQ(run("echo \"a  b\" > \"c d\""), std::nullopt);
-    EXPECT_EQ(TESTING::read_file("c d"), "a  b\n");
+TEST_F(processes, print_into_the_file) {
+    TESTING::write_file("file", "an earlier and longer text");
+    EXPECT_EQ(run_program("/bin/echo", {"a  b"}, "file"), std::nullopt);
+    EXPECT_EQ(TESTING::read_file("file"), "a  b\n");
 }
 
 TEST_F(processes, are_waited_for) {
@@ -40,26 +48,100 @@ TEST_F(processes, are_waited_for) {
     EXPECT_EQ(TESTING::read_file("file"), "end\n");
 }
 
-TEST_F(processes, get_what_sh_would_expand_as_it_stands) {
-    run(R"(printf %s "$HOME `id` \n" > "$x`y`\z")");
-    EXPECT_EQ(TESTING::read_file("$x`y`\\z"), "$HOME `id` \\n");
+TEST_F(processes, get_arguments_and_files_of_any_name_as_they_stand) {
+    const std::string name = "-a\"; touch INJECTED; \"`touch INJECTED`$(touch INJECTED)\\%s\n'";
+    fs::create_directory(name);
+    const fs::path program = fs::path(name) / name;
+    fs::create_symlink("/bin/printf", program);
+    const fs::path output = fs::path(name) / "-\" > INJECTED";
+    EXPECT_EQ(run_program(program, {"%s", name}, output), std::nullopt);
+    EXPECT_EQ(TESTING::read_file(output), name);
+    EXPECT_EQ(run_program("/bin/printf", {"%s|", "", " "}, output), std::nullopt);
+    EXPECT_EQ(TESTING::read_file(output), "| |");
+    EXPECT_EQ(TESTING::names_in("."), std::vector<std::string>{name});
 }
 
 TEST_F(processes, do_not_tell_their_exit_status) {
     EXPECT_EQ(run("exit 3"), std::nullopt);
 }
 
-TEST_F(processes, that_cannot_be_started_give_the_error_number) {
-    EXPECT_EQ(run_command_line("cmd /c \"true\"", "no-such-interpreter"), ENOENT);
-    EXPECT_EQ(run_command_line("cmd /c \"true\"", "."), EACCES);
+TEST_F(processes, that_are_no_programs_leave_an_empty_file) {
+    TESTING::write_file("text", "no program");
+    TESTING::write_file("data", "no program");
+    fs::permissions("data", fs::perms::owner_all);
+    for (const char* program :
+         {"missing", "missing/program", "text", "text/program", ".", "data", ""}) {
+        TESTING::write_file("file", "an earlier text");
+        EXPECT_EQ(run_program(program, {}, "file"), std::nullopt) << program;
+        EXPECT_EQ(TESTING::read_file("file"), "") << program;
+    }
+}
+
+TEST_F(processes, are_not_searched_for_along_the_path) {
+    EXPECT_EQ(run_program("echo", {"text"}, "file"), std::nullopt);
+    EXPECT_EQ(TESTING::read_file("file"), "");
+}
+
+TEST_F(processes, are_not_run_without_a_file_for_their_output) {
+    fs::create_directory("folder");
+    for (const char* output : {"folder", "missing/file", ""}) {
+        EXPECT_EQ(run_program("/bin/touch", {"ran"}, output), std::nullopt) << output;
+    }
+    EXPECT_EQ(TESTING::names_in("."), std::vector<std::string>{"folder"});
+}
+
+TEST_F(processes, run_when_no_descriptor_is_left) {
+    std::vector<int> taken;
+    const limit_guard limit(RLIMIT_NOFILE, 100);
+    for (int last = 0; last != -1;) {
+        last = ::dup(STDERR_FILENO);
+        taken.push_back(last);
+    }
+    run("echo text");
+    for (const int descriptor : taken) {
+        ::close(descriptor);
+    }
+    EXPECT_EQ(TESTING::read_file("file"), "text\n");
+}
+
+TEST_F(processes, run_in_a_working_directory_that_is_gone) {
+    fs::create_directory("gone");
+    fs::current_path("gone");
+    fs::remove(scratch() / "gone");
+    EXPECT_EQ(run_program("/bin/echo", {"text"}, scratch() / "file"), std::nullopt);
+    EXPECT_EQ(run_program("/bin/touch", {scratch() / "ran"}, "file"), std::nullopt);
+    fs::current_path(scratch());
+    EXPECT_EQ(TESTING::read_file("file"), "text\n");
+    EXPECT_EQ(TESTING::names_in("."), std::vector<std::string>{"file"});
+}
+
+TEST_F(processes, that_can_not_be_created_give_the_error_number) {
+    EXPECT_EQ(run_program("/bin/true", {std::string(1'000'000, 'x')}, "file"), E2BIG);
+    fs::permissions(".", fs::perms::all);
+    const limit_guard limit(RLIMIT_NPROC, 0);
+    const TESTING::ordinary_user user;
+    EXPECT_EQ(run_program("/bin/true", {}, "another file"), EAGAIN);
+    EXPECT_EQ(run_program("missing", {}, "another file"), EAGAIN);
+    EXPECT_EQ(run_program("/bin/true", {}, "missing/file"), EAGAIN);
 }
 
 TEST_F(processes, get_no_standard_stream_of_the_host) {
-    TESTING::write_file("streams.sh", R"(
-        streams=$(readlink /proc/$$/fd/0 /proc/$$/fd/1 /proc/$$/fd/2)
-        echo "$streams" > file)");
-    run("sh streams.sh");
-    EXPECT_EQ(TESTING::read_file("file"), "/dev/null\n/dev/null\n/dev/null\n");
+    run("readlink /proc/$$/fd/0 /proc/$$/fd/1 /proc/$$/fd/2");
+    EXPECT_EQ(TESTING::read_file("file"),
+              "/dev/null\n" + (scratch() / "file").string() + "\n/dev/null\n");
+}
+
+TEST_F(processes, print_into_the_file_when_the_host_has_no_standard_streams) {
+    for (const int first : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        TESTING::in_child([&] {
+            for (int stream = first; stream <= STDERR_FILENO; ++stream) {
+                ::close(stream);
+            }
+            run("readlink /proc/$$/fd/0 /proc/$$/fd/1 /proc/$$/fd/2; ls /proc/self/fd");
+        });
+        EXPECT_EQ(TESTING::read_file("file"),
+                  "/dev/null\n" + (scratch() / "file").string() + "\n/dev/null\n0\n1\n2\n3\n");
+    }
 }
 
 TEST_F(processes, get_no_other_descriptor_of_the_host) {
@@ -67,7 +149,7 @@ TEST_F(processes, get_no_other_descriptor_of_the_host) {
     ASSERT_GE(inheritable, 0);
     const int high = ::fcntl(inheritable, F_DUPFD, 200);
     ASSERT_GE(high, 200);
-    run("ls /proc/self/fd > file");
+    run("ls /proc/self/fd");
     ::close(high);
     ::close(inheritable);
     // 3 is the folder that ls reads.
@@ -80,13 +162,13 @@ TEST_F(processes, begin_with_no_signal_blocked) {
     sigemptyset(&blocked);
     sigaddset(&blocked, SIGTERM);
     sigprocmask(SIG_BLOCK, &blocked, &former);
-    run("grep SigBlk /proc/self/status > file");
+    run("grep SigBlk /proc/self/status");
     sigprocmask(SIG_SETMASK, &former, nullptr);
     EXPECT_EQ(TESTING::read_file("file"), "SigBlk:\t0000000000000000\n");
 }
 
 TEST_F(processes, stand_in_a_process_group_of_their_own) {
-    run("cut -d' ' -f5 /proc/self/stat > file");
+    run("cut -d' ' -f5 /proc/self/stat");
     EXPECT_NE(std::stoi(TESTING::read_file("file")), ::getpgrp());
 }
 
@@ -99,7 +181,7 @@ TEST_F(processes, are_waited_for_by_a_host_that_ignores_their_end) {
 
 TEST_F(processes, do_not_ignore_signals_that_the_host_ignores) {
     const auto former = ::signal(SIGPIPE, SIG_IGN);
-    run("grep SigIgn /proc/self/status > file");
+    run("grep SigIgn /proc/self/status");
     static_cast<void>(::signal(SIGPIPE, former));
     const auto ignored = std::stoull(TESTING::read_file("file").substr(8), nullptr, 16);
     EXPECT_EQ(ignored & (1ULL << (SIGPIPE - 1)), 0U);

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "platform/command_interpreter_windows.h"
 #include "platform/platform.h"
 #include "tests/support/files.h"
 #include "tests/support/system.h"
@@ -31,6 +33,39 @@ TEST_F(processes_on_windows, are_the_command_interpreters_unless_told_otherwise)
     EXPECT_STREQ(default_interpreter, "C:\\Windows\\system32\\cmd.exe");
     EXPECT_EQ(run_command_line("cmd /c \"echo \"a  b\"> \"c d\"\""), std::nullopt);
     EXPECT_EQ(TESTING::read_file("c d"), "\"a  b\"\r\n");
+}
+
+TEST(cmd_command_line, is_that_of_tshark_byte_for_byte) {
+    const std::string capture = R"(C:\a b\P.pcapng)";
+    EXPECT_EQ(
+        cmd_command_line(R"(C:\T)", {"-Y", "nas-eps||lte_rrc", "-r", capture, "-T", "json"}, "J"),
+        R"(cmd /c ""C:\T" -Y "nas-eps||lte_rrc" -r "C:\a b\P.pcapng" -T json > "J"")");
+}
+
+TEST(cmd_command_line, quotes_all_but_words) {
+    EXPECT_EQ(cmd_command_line("T", {"a-Z9", "a.b", "", "%q%"}, "J"),
+              R"(cmd /c ""T" a-Z9 "a.b" "" "%q%" > "J"")");
+}
+
+TEST(cmd_command_line, leaves_paths_as_they_are) {
+    EXPECT_EQ(cmd_command_line("a b/$x&(1)", {}, "j'k\"l"), R"-(cmd /c ""a b/$x&(1)" > "j'k"l"")-");
+}
+
+TEST(cmd_command_line, is_utf8) {
+    EXPECT_EQ(cmd_command_line(u8"\u00E4", {"\xC3\xA4"}, u8"\u20AC"),
+              "cmd /c \"\"\xC3\xA4\" \"\xC3\xA4\" > \"\xE2\x82\xAC\"\"");
+}
+
+TEST(cmd_command_line, has_no_form_for_half_a_character) {
+    EXPECT_THROW(cmd_command_line(L"\xD800", {}, "J"), std::system_error);
+    EXPECT_THROW(cmd_command_line("T", {}, L"\xD800"), std::system_error);
+}
+
+TEST_F(processes_on_windows, print_into_the_file) {
+    EXPECT_EQ(run_program(KIVRA_PROCESS_PROBE, {"a  b"}, "c d"), std::nullopt);
+    EXPECT_EQ(TESTING::read_file("c d"), "");
+    const std::string line = TESTING::read_json("probe.json")["command_line"];
+    EXPECT_NE(line.find(" \"a  b\""), std::string::npos) << line;
 }
 
 TEST_F(processes_on_windows, are_waited_for) {

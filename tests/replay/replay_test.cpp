@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "replay/capture.h"
+#include "replay/input/capture.h"
 #include "tests/replay/capture_image.h"
 #include "tests/replay/sample_records.h"
 #include "tests/support/files.h"
@@ -26,7 +26,7 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-constexpr const char* prefix_learnt =
+constexpr const char* prefix_details =
     "ip                      PDN prefix 2001:0db8:0001:0000:0000:0000:0000:0000\n";
 
 const image_packet ip_packet{exported_pdu_image("ip", router_advertisement()), 0};
@@ -116,6 +116,28 @@ TEST_F(kivra_replay, shows_every_record_of_an_nb_iot_attach_and_the_profile) {
     EXPECT_THAT(names_in("."), ElementsAre("nb iot.json"));
 }
 
+TEST_F(kivra_replay, runs_in_folders_whose_names_mean_something_to_a_shell) {
+    for (const char* name :
+         {R"(a"; touch INJECTED; "b)", "$(touch INJECTED)", "`touch INJECTED`",
+          R"(a\"; touch INJECTED; \)", "%PATH%", "a\ntouch INJECTED\n", "-touch"}) {
+        fs::create_directories(fs::path(name) / name);
+        fs::create_symlink("/usr/bin/tshark", fs::path(name) / name / "tshark.exe");
+        fs::current_path(name);
+        for (const auto* mode : {"--json", "--batch"}) {
+            const auto result = run({capture_file("nbiot_attach.pcapng"), mode,
+                                     "--tshark-directory", scratch() / name / name});
+            EXPECT_EQ(result.status, 0) << name;
+            EXPECT_EQ(result.error, "8 records, 0 failed\n") << name;
+            EXPECT_EQ(read_json("kivra-profile.json")["idrx_int"], "0.64") << name;
+            fs::remove("kivra-profile.json");
+        }
+        fs::current_path(scratch());
+        EXPECT_THAT(names_in(name), ElementsAre(name));
+        EXPECT_THAT(names_in(fs::path(name) / name), ElementsAre("tshark.exe"));
+        EXPECT_FALSE(fs::exists("INJECTED"));
+    }
+}
+
 TEST_F(kivra_replay, takes_raw_ip_captures) {
     for (const auto link_type : {101U, 228U, 229U}) {
         write_file("ip.pcap",
@@ -124,7 +146,7 @@ TEST_F(kivra_replay, takes_raw_ip_captures) {
         EXPECT_EQ(result.status, 0);
         EXPECT_THAT(
             result.output,
-            HasSubstr(std::string("\n      1  1970-01-01T00:00:00.000001Z  ") + prefix_learnt));
+            HasSubstr(std::string("\n      1  1970-01-01T00:00:00.000001Z  ") + prefix_details));
     }
 }
 
@@ -136,9 +158,9 @@ TEST_F(kivra_replay, takes_several_captures_for_one_stream) {
     EXPECT_EQ(result.error, "3 records, 0 failed\n");
     const auto record = [](int number) {
         return "      " + std::to_string(number) + "  1970-01-01T00:00:00.000000Z  " +
-               prefix_learnt;
+               prefix_details;
     };
-    EXPECT_THAT(result.output, HasSubstr("learnt\n" + record(1) + record(2) + record(3) + "\n"));
+    EXPECT_THAT(result.output, HasSubstr("details\n" + record(1) + record(2) + record(3) + "\n"));
 }
 
 TEST_F(kivra_replay, reads_the_standard_input) {
@@ -179,7 +201,7 @@ TEST_F(kivra_replay, reports_records_that_fail_and_goes_on) {
         AllOf(HasSubstr("  failed: no dissector name among the packet's tags\n"),
               HasSubstr("  failed: [json.exception.parse_error.101]"),
               HasSubstr("  failed: cut short by the snapshot length: 13 of 99 bytes"),
-              HasSubstr(prefix_learnt),
+              HasSubstr(prefix_details),
               HasSubstr("        What tshark printed is no JSON: tshark ended early, or it is not "
                         "tshark.\n")));
     EXPECT_THAT(names_in("."), ElementsAre("broken", "c.pcapng"));
@@ -272,6 +294,8 @@ TEST_F(kivra_replay, is_coloured_on_a_terminal_only) {
     EXPECT_THAT(run({"c.pcapng"}, {.output_is_terminal = true}).output, Not(HasSubstr(red)));
 }
 
+constexpr int ended_by_sigint = -2;
+
 /// The script of a tshark that has kivra-replay's process group interrupted, as Ctrl-C does, and
 /// then works as always.
 constexpr const char* interrupting_tshark =
@@ -288,7 +312,7 @@ TEST_F(kivra_replay, ends_after_the_record_at_hand_when_interrupted) {
     write_tshark("bin", interrupting_tshark);
     write_capture("c.pcapng", {ip_packet, system_information("nbiot_attach.pcapng"), ip_packet});
     const auto result = run_in_group("c.pcapng --tshark-directory bin");
-    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.status, ended_by_sigint);
     EXPECT_EQ(result.error, "2 records, 0 failed\n");
     EXPECT_THAT(result.output, AllOf(HasSubstr("  idrx_int 0.64, idrx_reps 64\n\n2 records: 2"),
                                      HasSubstr("\nprofile kivra-profile.json\n    idrx_int ")));
@@ -299,9 +323,22 @@ TEST_F(kivra_replay, ends_a_batch_after_the_record_at_hand_when_interrupted) {
     write_tshark("bin", interrupting_tshark);
     write_capture("c.pcapng", {system_information("nbiot_attach.pcapng"), ip_packet});
     const auto result = run_in_group("c.pcapng --batch --tshark-directory bin");
-    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.status, ended_by_sigint);
     EXPECT_THAT(result.error, testing::MatchesRegex("[01] records?, 0 failed\n"));
     EXPECT_THAT(result.output, HasSubstr("\nprofile kivra-profile.json"));
+}
+
+TEST_F(kivra_replay, stops_the_loop_of_a_shell_when_interrupted) {
+    write_tshark("bin", interrupting_tshark);
+    write_capture("c.pcapng", {system_information("nbiot_attach.pcapng")});
+    const auto result = run_process(
+        {"/usr/bin/setsid", "/bin/bash", "-c",
+         "echo $$ > group\n"
+         "for round in 1 2; do\n"
+         "    echo $round >> rounds\n" KIVRA_REPLAY " c.pcapng --tshark-directory bin\n"
+         "done\n"});
+    EXPECT_EQ(result.status, ended_by_sigint);
+    EXPECT_EQ(read_file("rounds"), "1\n");
 }
 
 TEST_F(kivra_replay, stops_waiting_for_input_when_interrupted) {
@@ -389,7 +426,7 @@ TEST_F(kivra_replay, refuses_captures_that_can_not_be_read_before_any_record_is_
     expect_refusal(refused("text.pcapng"), "text.pcapng: unknown file format");
     expect_refusal(refused("."), "Is a directory");
     expect_refusal(refused("ethernet.pcap"), "ethernet.pcap: unsupported link type EN10MB");
-    EXPECT_FALSE(fs::exists("calls"));
+    EXPECT_THAT(read_file("calls"), Not(HasSubstr("data")));
 }
 
 TEST_F(kivra_replay, refuses_a_plugin_that_can_not_be_loaded) {
@@ -417,6 +454,17 @@ TEST_F(kivra_replay, refuses_to_run_without_tshark) {
                    "location");
 }
 
+TEST_F(kivra_replay, finds_what_it_needs_before_it_reads_a_capture) {
+    // Nobody writes into the pipe: reading it would never end.
+    const auto run_on_pipe = [](const std::string& options) {
+        return run_process({"/bin/bash", "-c", "exec 8<> <(:); " KIVRA_REPLAY " - <&8 " + options});
+    };
+    for (const std::string road : {"", " --batch"}) {
+        expect_refusal(run_on_pipe("--tshark-directory /nowhere" + road), "tshark not found");
+        expect_refusal(run_on_pipe("--output missing/report" + road), "can't write missing/report");
+    }
+}
+
 TEST_F(kivra_replay, shows_what_a_broken_capture_gives_and_goes_on_with_the_next) {
     const auto whole = capture_image(exported_pdu_link_type,
                                      {system_information("ltem_attach_psm.pcapng"), ip_packet});
@@ -427,7 +475,7 @@ TEST_F(kivra_replay, shows_what_a_broken_capture_gives_and_goes_on_with_the_next
     EXPECT_THAT(result.error, AllOf(StartsWith("kivra-replay: can't read broken.pcapng: "),
                                     EndsWith("\n2 records, 0 failed\n")));
     EXPECT_THAT(result.output,
-                AllOf(HasSubstr("  idrx_int 1.28, idrx_reps 16\n"), HasSubstr(prefix_learnt),
+                AllOf(HasSubstr("  idrx_int 1.28, idrx_reps 16\n"), HasSubstr(prefix_details),
                       HasSubstr("\nprofile kivra-profile.json\n"
                                 "    idrx_int                        1.28        record 1\n"
                                 "    idrx_reps                       16          record 1\n")));
@@ -475,11 +523,11 @@ TEST_F(kivra_replay, says_that_the_profile_can_not_be_written) {
 }
 
 TEST_F(kivra_replay, ends_quietly_and_tidies_up_when_nobody_reads_its_output) {
-    constexpr int killed_by_sigpipe = 128 + 13;
+    constexpr int ended_by_sigpipe = -13;
     for (const auto* road : {"--json", "--batch"}) {
         const auto result = run({capture_file("nbiot_attach.pcapng"), road, "--profile", "p.json"},
                                 {.output_has_no_reader = true});
-        EXPECT_EQ(result.status, killed_by_sigpipe);
+        EXPECT_EQ(result.status, ended_by_sigpipe);
         EXPECT_EQ(result.error, "");
         EXPECT_THAT(names_in("."), AnyOf(IsEmpty(), ElementsAre("p.json")));
     }

@@ -4,16 +4,16 @@
 #include <regex>
 #include <string_view>
 
-#include "replay/capture.h"
+#include "replay/input/capture.h"
 #include "tests/support/files.h"
 
 namespace KIVRA::TSHARK::TESTING {
 
 namespace {
 
-image_packet image_of(const REPLAY::record& packet) {
-    const std::string message(packet.payload.begin(), packet.payload.end());
-    return {exported_pdu_image(packet.format, message), packet.timestamp};
+image_packet image_of(const REPLAY::trace_record& record) {
+    const std::string message(record.payload.begin(), record.payload.end());
+    return {exported_pdu_image(record.format, message), record.timestamp};
 }
 
 }  // namespace

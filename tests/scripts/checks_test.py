@@ -53,6 +53,28 @@ class includes(scratch_tree):
                            ("other/a.cpp", "")):
             self.assertIn(file, self.output_of_file(file, line), line)
 
+    def test_of_a_part_of_a_module_are_told_from_those_of_the_whole(self):
+        table = ("| `a/` | | `a/b/` | nothing |\n"
+                 "| `a/b/` | | nothing | nothing |\n"
+                 "| `c/` | | `a/` | nothing |\n")
+        def output_of(file, line):
+            return self.output_of("check-includes", **{"docs/architecture.md": table, file: line})
+        self.assertEqual(output_of("a/x.cpp", '#include "a/b/y.h"'), "")
+        self.assertIn("a/b/x.cpp", output_of("a/b/x.cpp", '#include "a/y.h"'))
+        self.assertIn("c/x.cpp", output_of("c/x.cpp", '#include "a/b/y.h"'))
+
+    def test_in_a_circle_are_found(self):
+        self.assertIn("upper/ may include itself", self.output_of("check-includes", **{
+            "docs/architecture.md": "| `upper/` | | `middle/` | nothing |\n"
+                                    "| `middle/` | | `lower/` | nothing |\n"
+                                    "| `lower/` | | `upper/` | nothing |\n"}))
+
+    def test_are_counted_by_units(self):
+        files = {f"lower/{name}{end}": "" for name in "abcdefghijkl"
+                 for end in (".h", "_posix.cpp", "_windows.cpp")}
+        self.assertEqual(self.output_of("check-includes", **files), "")
+        self.assertIn("13 units", self.output_of("check-includes", **files, **{"lower/m.h": ""}))
+
 
 class documents(scratch_tree):
     def complaint_about(self, text, **files):

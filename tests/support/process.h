@@ -20,7 +20,7 @@ struct process_setting {
 };
 
 struct process_result {
-    /// The exit status; 128 and the signal's number when a signal ended the program.
+    /// The exit status; the negative number of the signal when one ended the program.
     int status = 0;
     std::string output;
     std::string error;

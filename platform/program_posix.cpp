@@ -1,0 +1,95 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <system_error>
+
+#include "platform/program.h"
+
+namespace KIVRA::TSHARK::PLATFORM {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+volatile std::sig_atomic_t interruption = 0;
+
+void note_interruption(int /*signal*/) {
+    interruption = 1;
+}
+
+void end_by(int signal) {
+    static_cast<void>(std::signal(signal, SIG_DFL));
+    static_cast<void>(std::raise(signal));
+}
+
+int descriptor_of(standard_stream stream) {
+    switch (stream) {
+        case standard_stream::input:
+            return STDIN_FILENO;
+        case standard_stream::output:
+            return STDOUT_FILENO;
+        case standard_stream::error:
+            return STDERR_FILENO;
+    }
+    return -1;
+}
+
+}  // namespace
+
+fs::path program_directory() {
+    return fs::read_symlink("/proc/self/exe").parent_path();
+}
+
+bool is_terminal(standard_stream stream) {
+    return isatty(descriptor_of(stream)) != 0;
+}
+
+void occupy_closed_standard_streams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) == -1) {
+            static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+        }
+    }
+}
+
+void ignore_broken_pipes() {
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+}
+
+void end_by_broken_pipe() {
+    end_by(SIGPIPE);
+}
+
+void install_interrupt_handler() {
+    struct sigaction action {};
+    action.sa_handler = note_interruption;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, nullptr);
+}
+
+bool interrupted() {
+    return interruption != 0;
+}
+
+void end_by_interrupt() {
+    end_by(SIGINT);
+}
+
+bool is_executable_file(const fs::path& file) {
+    std::error_code unreachable;
+    return fs::is_regular_file(file, unreachable) && access(file.c_str(), X_OK) == 0;
+}
+
+std::optional<std::string> write_obstacle(const fs::path& file_or_folder) {
+    std::error_code missing;
+    const int mode = fs::is_directory(file_or_folder, missing) ? W_OK | X_OK : W_OK;
+    if (access(file_or_folder.c_str(), mode) == 0) {
+        return std::nullopt;
+    }
+    return std::generic_category().message(errno);
+}
+
+}  // namespace KIVRA::TSHARK::PLATFORM

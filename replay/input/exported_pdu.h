@@ -1,0 +1,16 @@
+/// An exported PDU: a protocol message behind tags that say, among other things, which dissector
+/// reads it. The packets of captures with link type 252 are such.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "replay/input/captured_message.h"
+
+namespace KIVRA::TSHARK::REPLAY {
+
+/// Reads the tags (big-endian type and length, then the value) up to the end tag.
+/// @throws std::runtime_error when the tags don't end within the packet, or name no dissector
+captured_message read_exported_pdu(std::span<const std::uint8_t> packet);
+
+}  // namespace KIVRA::TSHARK::REPLAY

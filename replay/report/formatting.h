@@ -1,0 +1,21 @@
+/// Texts as a run prints them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace KIVRA::TSHARK::REPLAY {
+
+/// UTC as in "2026-01-31T09:15:00.000250Z"; times beyond the year 9999 as the plain number.
+/// @param timestamp microseconds since 1970-01-01
+std::string iso_8601(std::uint64_t timestamp);
+
+/// The text on one line, with nothing in it that a terminal would act on: control characters become
+/// "\x1b" and the like.
+std::string printable(std::string_view text);
+
+/// "1 record", "2 records".
+std::string pluralise(std::uint64_t count, std::string_view noun);
+
+}  // namespace KIVRA::TSHARK::REPLAY

@@ -1,0 +1,150 @@
+#include "replay/report/summary.h"
+
+#include <sstream>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "tests/support/files.h"
+
+namespace KIVRA::TSHARK::REPLAY {
+namespace {
+
+using namespace TESTING;
+using nlohmann::json;
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+record_failure failed(const std::string& text) {
+    return {failure_kind::analysis, text};
+}
+
+class summaries : public scratch_test {
+  protected:
+    void add(const outcome& result, const record_details& details = {},
+             const std::string& format = "nas-eps") {
+        summary_.add(++number_, {.timestamp = 0, .format = format, .payload = {}, .failure = {}},
+                     result, details);
+    }
+
+    std::string printed() const {
+        std::ostringstream out;
+        summary_.print(out, profile_);
+        return out.str();
+    }
+
+    const profile_file profile_{"p.json"};
+
+  private:
+    summary summary_;
+    std::uint64_t number_ = 0;
+};
+
+TEST_F(summaries, count_records_by_their_formats) {
+    add({.document = {{"a", 1}}});
+    add({});
+    add({.failure = failed("reason")});
+    add({.document = {{"a", 1}}}, {}, "ip");
+    add({.failure = failed("no name")}, {}, "");
+    EXPECT_THAT(printed(),
+                StartsWith("\n5 records: 2 with a result, 1 without, 2 failed\n"
+                           "    nas-eps                         3: 1 with a result, 1 failed\n"
+                           "    ip                              1: 1 with a result, 0 failed\n"
+                           "    (no format)                     1: 0 with a result, 1 failed\n"));
+}
+
+TEST_F(summaries, count_messages) {
+    add({}, {{"Attach request"}, {}});
+    add({}, {{"Attach accept"}, {}});
+    add({}, {{"Attach request"}, {}});
+    EXPECT_THAT(printed(), HasSubstr("\nmessages\n"
+                                     "    Attach request                  2\n"
+                                     "    Attach accept                   1\n\n"));
+}
+
+TEST_F(summaries, tell_when_values_changed) {
+    add({}, {{}, {{"tac", "1"}, {"apn", "iot"}}});
+    add({}, {{}, {{"tac", "1"}}});
+    add({}, {{}, {{"tac", "2"}}});
+    add({}, {{}, {{"tac", "1"}, {"apn", "iot"}}});
+    EXPECT_THAT(
+        printed(),
+        HasSubstr("\nvalues, and the records that changed them\n"
+                  "    tac                             1 (record 1), 2 (record 3), 1 (record 4)\n"
+                  "    apn                             iot (record 1)\n\n"));
+}
+
+TEST_F(summaries, shorten_long_histories) {
+    for (int i = 1; i <= 9; ++i) {
+        add({}, {{}, {{"tac", std::to_string(i)}}});
+    }
+    EXPECT_THAT(printed(), HasSubstr("1 (record 1), 2 (record 2), 3 (record 3), 4 (record 4), "
+                                     "5 (record 5), ... 9 (record 9; 9 changes)\n"));
+}
+
+TEST_F(summaries, count_failures_and_log_messages_and_say_what_they_mean) {
+    add({.failure = failed("invalid stoi argument")});
+    add({.log = {{3, "22 mapping not found"}, {3, "tshark processing took: 412ms"}}});
+    add({.failure = failed("invalid stoi argument")});
+    add({.failure = failed("odd")});
+    EXPECT_THAT(
+        printed(),
+        AllOf(HasSubstr("\nfailures and log messages\n"
+                        "    2 x invalid stoi argument (first in record 1)\n"
+                        "        The message names a network (GUTI) that the list of operators "
+                        "does not know, or that stands\n"
+                        "        behind"),
+              HasSubstr("\n    1 x 22 mapping not found (first in record 2)\n        tshark shows"),
+              HasSubstr("\n    1 x odd (first in record 4)\n\nprofile"),
+              Not(HasSubstr("processing took"))));
+}
+
+TEST_F(summaries, leave_out_what_there_is_none_of) {
+    EXPECT_EQ(printed(),
+              "\n0 records: 0 with a result, 0 without, 0 failed\n"
+              "\nprofile p.json: not written by this run: the records did not give both idrx_int "
+              "and idrx_reps\n");
+}
+
+TEST_F(summaries, do_not_grow_with_the_trace) {
+    for (int i = 1; i <= 200; ++i) {
+        add({.failure = failed("reason " + std::to_string(i))}, {}, "format" + std::to_string(i));
+    }
+    EXPECT_THAT(
+        printed(),
+        AllOf(HasSubstr("    format100                       1: 0 with a result, 1 failed\n"
+                        "    others                          100: 0 with a result, 100 failed\n"),
+              HasSubstr("    1 x reason 100 (first in record 100)\n"
+                        "    100 x others (first in record 101)\n")));
+}
+
+TEST_F(summaries, give_the_source_of_each_value_of_the_profile) {
+    write_file("p.json", R"({"cdrx_int": "30", "chip": "5", "idrx_int": "2.56", "idrx_nb_sync": "",
+                             "idrx_reps": "32"})");
+    add({.document = {{"lte-rrc", {{"cdrx_int", "30"}}}}});
+    add({.document = {{"lte-rrc", {{"idrx_int", "2.56"}, {"idrx_reps", "32"}}}}});
+    EXPECT_THAT(printed(), EndsWith("\nprofile p.json\n"
+                                    "    cdrx_int                        30          record 1\n"
+                                    "    idrx_int                        2.56        record 2\n"
+                                    "    idrx_reps                       32          record 2\n"
+                                    "    at their defaults: chip 5, idrx_nb_sync \"\"\n"));
+}
+
+TEST_F(summaries, tell_why_the_profile_can_not_be_written) {
+    std::ostringstream out;
+    summary().print(out, profile_file("missing/p.json"));
+    EXPECT_THAT(out.str(), EndsWith("\nprofile missing/p.json: not written by this run: the path "
+                                    "can't be written (No such file or directory)\n"));
+}
+
+TEST_F(summaries, spell_control_characters) {
+    add({.failure = failed("\x1b[2J")}, {{"\x1b"}, {{"apn", "a\nb"}}}, "\t");
+    EXPECT_THAT(printed(),
+                AllOf(Not(HasSubstr("\x1b")), Not(HasSubstr("\t")), HasSubstr("a\\x0ab")));
+}
+
+}  // namespace
+}  // namespace KIVRA::TSHARK::REPLAY
