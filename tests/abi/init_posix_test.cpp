@@ -37,15 +37,15 @@ TEST_F(init_on_posix, fails_where_the_working_directory_is_gone) {
     fs::create_directory("gone");
     fs::current_path("gone");
     fs::remove(scratch() / "gone");
-    EXPECT_EQ(host_.init_with_stand_in(), 1);
+    EXPECT_EQ(host_.init_with_fake_tshark(), 1);
     EXPECT_THAT(host_.init_errors, ElementsAre(Pair(HasSubstr("current_path()"), 1U)));
 }
 
 TEST_F(init_on_posix, takes_less_than_64_kib_for_each_further_context) {
-    ASSERT_EQ(host_.init_with_stand_in(), 0);
+    ASSERT_EQ(host_.init_with_fake_tshark(), 0);
     host other;
     const auto before = heap_in_use();
-    EXPECT_EQ(other.init_with_stand_in(), 0);
+    EXPECT_EQ(other.init_with_fake_tshark(), 0);
     EXPECT_LT(heap_in_use(), before + kib_64);
 }
 
@@ -66,7 +66,7 @@ TEST_F(init_on_posix, fails_where_the_executable_cannot_be_queried) {
 
 TEST_F(init_on_posix, fails_where_a_name_for_the_output_cannot_be_queried) {
     TESTING::enter_deep_directory();
-    EXPECT_EQ(host_.init_with_stand_in(), 1);
+    EXPECT_EQ(host_.init_with_fake_tshark(), 1);
     EXPECT_THAT(host_.init_errors, ElementsAre(Pair(HasSubstr("exists"), 1U)));
 }
 
@@ -76,7 +76,7 @@ TEST_F(unloading_on_posix, frees_the_operator_list) {
     const auto before = heap_in_use();
     {
         host own;
-        EXPECT_EQ(own.init_with_stand_in(), 0);
+        EXPECT_EQ(own.init_with_fake_tshark(), 0);
     }
     EXPECT_LT(heap_in_use(), before + kib_64);
 }
