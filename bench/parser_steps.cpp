@@ -18,7 +18,7 @@ void load_operator_list(benchmark::State& state) {
     while (state.KeepRunning()) {
         auto operators = load_operators(DATA::embedded_operators());
         benchmark::DoNotOptimize(operators);
-        // Its end is no part of the loading.
+        // Freeing it is not part of the loading.
         state.PauseTiming();
         operators.clear();
         state.ResumeTiming();

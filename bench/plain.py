@@ -161,7 +161,7 @@ def result_of(layers, operators):
     return {"nas-eps": result} if result else None
 
 
-def learn(result, known):
+def collect_profile(result, known):
     known |= {name: value for name, value in result.get("lte-rrc", {}).items() if "drx_" in name}
     nas = result.get("nas-eps", {})
     for member, target in [
@@ -193,7 +193,7 @@ def main(packets_file, operators_file, profile_file):
         layers = packet["_source"]["layers"]
         result = result_of(layers, operators)
         if result is not None:
-            learn(result, known)
+            collect_profile(result, known)
         if "idrx_int" in known and "idrx_reps" in known:
             write_profile(profile_file, known)
             known = {}

@@ -1,6 +1,6 @@
-/// What the built plug-in costs its host. Two ways to a result are timed in turn, so that what else
-/// the machine does meets both alike; each pair is a line, in nanoseconds. Working files are in the
-/// current directory.
+/// What the built plug-in costs its host. What is compared is timed in turn, so that what else the
+/// machine does meets all of it alike; each turn is a line, in nanoseconds. Working files are in
+/// the current directory.
 #include <malloc.h>
 
 #include <chrono>
@@ -32,8 +32,11 @@ constexpr auto profile_file = "profile.json";
 
 constexpr auto usage =
     "plugin_costs data PLUGIN TSHARK_DIRECTORY PAIRS CAPTURE RECORD   a data call, bare tshark\n"
-    "plugin_costs init PLUGIN TSHARK_DIRECTORY PAIRS                  init, parsing the operators\n"
-    "plugin_costs heap PLUGIN TSHARK_DIRECTORY                        bytes that a context holds\n";
+    "plugin_costs init PLUGIN TSHARK_DIRECTORY TURNS                  first init, second init,\n"
+    "                                                                 parsing the operators\n"
+    "plugin_costs heap PLUGIN TSHARK_DIRECTORY                        bytes that the first and "
+    "the\n"
+    "                                                                 second context hold\n";
 
 template <typename Work>
 std::int64_t nanoseconds_of(const Work& work) {
@@ -81,18 +84,22 @@ void compare_data_calls(const std::shared_ptr<const REPLAY::plugin>& loaded,
     }
 }
 
-/// What either makes is gone before the next begins, outside of the times.
-void compare_inits(const std::shared_ptr<const REPLAY::plugin>& loaded,
-                   const char* tshark_directory, int pairs) {
-    for (int i = 0; i < pairs; ++i) {
-        std::optional<REPLAY::plugin_sink> target;
-        const auto init_time =
-            nanoseconds_of([&] { target.emplace(loaded, tshark_directory, profile_file); });
-        target.reset();
+/// The plug-in is loaded anew for each turn, and what a turn makes is gone before the next begins,
+/// outside of the times.
+void compare_inits(const char* plugin_file, const char* tshark_directory, int turns) {
+    for (int i = 0; i < turns; ++i) {
+        const auto loaded = std::make_shared<const REPLAY::plugin>(plugin_file);
+        std::optional<REPLAY::plugin_sink> first;
+        std::optional<REPLAY::plugin_sink> second;
+        const auto time_of = [&](std::optional<REPLAY::plugin_sink>& target) {
+            return nanoseconds_of([&] { target.emplace(loaded, tshark_directory, profile_file); });
+        };
+        const auto first_time = time_of(first);
+        const auto second_time = time_of(second);
         nlohmann::json operators;
         const auto parse_time =
             nanoseconds_of([&] { operators = nlohmann::json::parse(DATA::embedded_operators()); });
-        std::cout << init_time << ' ' << parse_time << '\n';
+        std::cout << first_time << ' ' << second_time << ' ' << parse_time << '\n';
     }
 }
 
@@ -101,14 +108,14 @@ std::size_t heap_in_use() {
     return heap.uordblks + heap.hblkhd;
 }
 
-std::size_t heap_of_context(const std::shared_ptr<const REPLAY::plugin>& loaded,
-                            const char* tshark_directory) {
-    // The first one pays for what a process does once.
-    std::optional<REPLAY::plugin_sink> first(std::in_place, loaded, tshark_directory, profile_file);
-    first.reset();
+void show_heap_of_contexts(const std::shared_ptr<const REPLAY::plugin>& loaded,
+                           const char* tshark_directory) {
     const auto before = heap_in_use();
-    const REPLAY::plugin_sink target(loaded, tshark_directory, profile_file);
-    return heap_in_use() - before;
+    const REPLAY::plugin_sink first(loaded, tshark_directory, profile_file);
+    const auto with_first = heap_in_use();
+    const REPLAY::plugin_sink second(loaded, tshark_directory, profile_file);
+    const auto with_second = heap_in_use();
+    std::cout << with_first - before << ' ' << with_second - with_first << '\n';
 }
 
 int run(int count, char** arguments) {
@@ -117,11 +124,9 @@ int run(int count, char** arguments) {
         compare_data_calls(std::make_shared<REPLAY::plugin>(arguments[2]), arguments[3],
                            std::stoi(arguments[4]), arguments[5], std::stoi(arguments[6]));
     } else if (what == "init" && count == 5) {
-        compare_inits(std::make_shared<REPLAY::plugin>(arguments[2]), arguments[3],
-                      std::stoi(arguments[4]));
+        compare_inits(arguments[2], arguments[3], std::stoi(arguments[4]));
     } else if (what == "heap" && count == 4) {
-        std::cout << heap_of_context(std::make_shared<REPLAY::plugin>(arguments[2]), arguments[3])
-                  << '\n';
+        show_heap_of_contexts(std::make_shared<REPLAY::plugin>(arguments[2]), arguments[3]);
     } else {
         std::cerr << usage;
         return 2;

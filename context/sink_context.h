@@ -42,7 +42,7 @@ class sink_context {
     sink_context(void* user_data, kivra_log_callback callback, std::filesystem::path executable,
                  std::filesystem::path output, std::filesystem::path parameters);
 
-    /// Deletes tshark's output should it exist; what stands in the way of that is left in place.
+    /// Deletes tshark's output should it exist; one that cannot be deleted stays.
     ~sink_context();
 
     sink_context(const sink_context&) = delete;

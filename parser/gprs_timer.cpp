@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bitset>
-#include <optional>
 #include <string>
 
 #include "parser/nas_field_names.h"
@@ -14,10 +13,9 @@ namespace KIVRA::TSHARK::PARSER {
 
 namespace {
 
-std::optional<nlohmann::json> find_timer_tree(const nlohmann::json& packet,
-                                              const gprs_timer& timer) {
-    const auto element = find_in_tree(layer(packet, nas_eps_layer), timer.element);
-    return element ? find_in_tree(*element, timer.tree_field) : std::nullopt;
+const nlohmann::json* find_timer_tree(const nlohmann::json& packet, const gprs_timer& timer) {
+    const auto* element = find_in_tree(layer(packet, nas_eps_layer), timer.element);
+    return element != nullptr ? find_in_tree(*element, timer.tree_field) : nullptr;
 }
 
 /// The number's low bits, most significant first.
@@ -30,8 +28,9 @@ std::string low_bits(std::uint32_t number) {
 
 void decode_gprs_timer(const nlohmann::json& packet, nlohmann::json& result,
                        const gprs_timer& timer) {
-    const auto tree = find_timer_tree(packet, timer);
-    if (!tree || !tree->contains(timer.unit_field) || !tree->contains(timer.value_field)) {
+    const auto* tree = find_timer_tree(packet, timer);
+    if (tree == nullptr || !tree->contains(timer.unit_field) ||
+        !tree->contains(timer.value_field)) {
         return;
     }
     const std::uint32_t unit_number = to_unsigned(tree->at(timer.unit_field).get<std::string>());

@@ -79,7 +79,7 @@ inline constexpr std::array<gprs_timer, 4> gprs_timers{{
 /// - "bitmask": the octet as eight binary digits.
 ///
 /// A packet without the timer changes nothing.
-/// @throws nlohmann::json::type_error 302 for a unit or a value that is no text, 305 when the
+/// @throws nlohmann::json::type_error 302 for a unit or a value that is not a text, 305 when the
 ///     result holds no object where one is to be written into
 /// @throws std::invalid_argument "invalid stoul argument", std::out_of_range "stoul argument out of
 ///     range", both before anything is written

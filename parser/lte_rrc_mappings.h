@@ -100,7 +100,7 @@ inline constexpr std::array<mapping_entry, 16> on_duration_table{{
 /// Finds the field in the packet's LTE RRC layer and stores its value, as the table translates it,
 /// under the given member of the result's "lte-rrc". A packet without the field changes nothing; a
 /// value without an entry is logged ("VALUE mapping not found") and changes nothing.
-/// @throws nlohmann::json::type_error 302 when the field is no text, 305 when the result's
+/// @throws nlohmann::json::type_error 302 when the field is not a text, 305 when the result's
 ///     "lte-rrc" is neither object nor null
 void map_field(const parser_base& parser, const nlohmann::json& packet, nlohmann::json& result,
                std::string_view field, mapping_table table, std::string_view member);

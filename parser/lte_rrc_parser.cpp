@@ -29,7 +29,7 @@ constexpr std::array<connection_state, 4> connection_states{{
 void map_connection_state(const nlohmann::json& packet, nlohmann::json& result) {
     const nlohmann::json& dissection = layer(packet, lte_rrc_layer);
     for (const auto& state : connection_states) {
-        if (find_in_tree_by_prefix(dissection, state.field_prefix)) {
+        if (find_in_tree_by_prefix(dissection, state.field_prefix) != nullptr) {
             result[lte_rrc_result]["connection_state"] = state.name;
             return;
         }

@@ -26,7 +26,7 @@ class lte_rrc_parser final : public parser_base {
 
     bool accepts(const nlohmann::json& packet) const override;
 
-    /// @throws nlohmann::json::type_error 302 for a field that is no text, 305 when the result's
+    /// @throws nlohmann::json::type_error 302 for a field that is not a text, 305 when the result's
     ///     "lte-rrc" is neither object nor null
     void parse(const nlohmann::json& packet, nlohmann::json& result) const override;
 };

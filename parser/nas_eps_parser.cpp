@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "parser/esm_cause.h"
 #include "parser/gprs_timer.h"
@@ -36,16 +37,16 @@ std::uint16_t read_ambr(const json& code) {
 }
 
 /// Stores a copy of a found value; nothing found changes nothing.
-void store_found(const std::optional<json>& found, json& result, std::string_view member) {
-    if (found) {
+void store_found(const json* found, json& result, std::string_view member) {
+    if (found != nullptr) {
         result[nas_eps_result][member] = *found;
     }
 }
 
 void store_ambr(const json& dissection, json& result) {
     constexpr std::string_view member = "apn_aggregate_maximum_bit_rate";
-    const auto ambr = find_in_tree(dissection, "APN aggregate maximum bit rate");
-    if (!ambr) {
+    const json* ambr = find_in_tree(dissection, "APN aggregate maximum bit rate");
+    if (ambr == nullptr) {
         return;
     }
     result[nas_eps_result][member] = *ambr;
@@ -61,8 +62,9 @@ void store_ambr(const json& dissection, json& result) {
 }
 
 void store_operator(const json& dissection, const operator_list& operators, json& result) {
-    const auto guti = find_in_tree(dissection, "EPS mobile identity - GUTI");
-    if (!guti || !guti->contains("e212.gummei.mcc") || !guti->contains("e212.gummei.mnc")) {
+    const json* guti = find_in_tree(dissection, "EPS mobile identity - GUTI");
+    if (guti == nullptr || !guti->contains("e212.gummei.mcc") ||
+        !guti->contains("e212.gummei.mnc")) {
         return;
     }
     const std::int32_t mcc = to_int(guti->at("e212.gummei.mcc").get<std::string>());
@@ -88,8 +90,8 @@ void store_apn(const json& container, json& result) {
 }
 
 void store_tracking_area(const json& dissection, json& result) {
-    const auto list = find_in_tree(dissection, "Tracking area identity list - TAI list");
-    if (!list) {
+    const json* list = find_in_tree(dissection, "Tracking area identity list - TAI list");
+    if (list == nullptr) {
         return;
     }
     if (const json* code = nas_member(*list, "nas_eps.emm.tai_tac")) {
@@ -98,8 +100,8 @@ void store_tracking_area(const json& dissection, json& result) {
 }
 
 void store_cause(const json& container, json& result) {
-    const auto cause = find_in_tree(container, "ESM cause");
-    if (!cause) {
+    const json* cause = find_in_tree(container, "ESM cause");
+    if (cause == nullptr) {
         return;
     }
     if (const json* text = nas_member(*cause, "nas_eps.esm.cause")) {
@@ -111,12 +113,12 @@ void store_cause(const json& container, json& result) {
 
 /// A cause outside an ESM message container does not count.
 void store_session_and_tracking_area(const json& dissection, json& result) {
-    const auto container = find_in_tree(dissection, "ESM message container");
-    if (container) {
+    const json* container = find_in_tree(dissection, "ESM message container");
+    if (container != nullptr) {
         store_apn(*container, result);
     }
     store_tracking_area(dissection, result);
-    if (container) {
+    if (container != nullptr) {
         store_cause(*container, result);
     }
 }
@@ -124,11 +126,11 @@ void store_session_and_tracking_area(const json& dissection, json& result) {
 /// The extended options count only where there are no plain ones, even if those lack the DNS
 /// servers.
 void store_dns_servers(const json& dissection, json& result) {
-    auto options = find_in_tree(dissection, "Protocol Configuration Options");
-    if (!options) {
+    const json* options = find_in_tree(dissection, "Protocol Configuration Options");
+    if (options == nullptr) {
         options = find_in_tree(dissection, "Extended protocol configuration options");
     }
-    if (options) {
+    if (options != nullptr) {
         store_found(find_in_tree(*options, "ipcp"), result, "dns_server_address_config");
     }
 }
@@ -146,7 +148,7 @@ void nas_eps_parser::parse(const json& packet, json& result) const {
     }
     store_found(find_in_tree(dissection, "PDN address"), result, "pdn");
     store_ambr(dissection, result);
-    store_operator(dissection, operators_, result);
+    store_operator(dissection, *operators_, result);
     store_session_and_tracking_area(dissection, result);
     store_found(find_nas_field(dissection, "nas_eps.emm.EPS_attach_result"), result, "accept");
     store_dns_servers(dissection, result);

@@ -26,9 +26,9 @@
 /// A source that the packet lacks leaves its member as it was.
 #pragma once
 
-#include <string_view>
+#include <memory>
+#include <utility>
 
-#include "data/embedded_operators.h"
 #include "parser/operator_database.h"
 #include "parser/parser_base.h"
 
@@ -37,23 +37,23 @@ namespace KIVRA::TSHARK::PARSER {
 class nas_eps_parser final : public parser_base {
   public:
     /// @param log_user_data, log_callback as for every parser
-    /// @param operators the operator list, as JSON text
-    /// @throws nlohmann::json::exception when the operator list cannot be read
+    /// @param operators not null
+    /// @throws what `built_in_operators` throws
     nas_eps_parser(void* log_user_data, kivra_log_callback log_callback,
-                   std::string_view operators = DATA::embedded_operators())
-        : parser_base(log_user_data, log_callback), operators_(load_operators(operators)) {}
+                   std::shared_ptr<const operator_list> operators = built_in_operators())
+        : parser_base(log_user_data, log_callback), operators_(std::move(operators)) {}
 
     bool accepts(const nlohmann::json& packet) const override;
 
-    /// @throws nlohmann::json::type_error 302 for a field that is no text, 305 when the result
+    /// @throws nlohmann::json::type_error 302 for a field that is not a text, 305 when the result
     ///     holds no object where one is to be written into
-    /// @throws std::invalid_argument, std::out_of_range for a field that is no number, see
+    /// @throws std::invalid_argument, std::out_of_range for a field that is not a number, see
     ///     number_conversion.h
     /// @throws what `find_operator` throws; and type_error 302 for an operator without a name
     void parse(const nlohmann::json& packet, nlohmann::json& result) const override;
 
   private:
-    operator_list operators_;
+    std::shared_ptr<const operator_list> operators_;
 };
 
 }  // namespace KIVRA::TSHARK::PARSER

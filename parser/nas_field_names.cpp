@@ -13,9 +13,9 @@ constexpr std::string_view newer_prefix = "nas-eps.";
 
 /// What the lookup finds under the field's older name, or else under its newer one.
 template <typename Lookup>
-auto under_either_name(std::string_view field, const Lookup& lookup) {
-    auto found = lookup(field);
-    if (!found && field.starts_with(older_prefix)) {
+const nlohmann::json* under_either_name(std::string_view field, const Lookup& lookup) {
+    const nlohmann::json* found = lookup(field);
+    if (found == nullptr && field.starts_with(older_prefix)) {
         found = lookup(std::string(newer_prefix).append(field.substr(older_prefix.size())));
     }
     return found;
@@ -23,7 +23,7 @@ auto under_either_name(std::string_view field, const Lookup& lookup) {
 
 }  // namespace
 
-std::optional<nlohmann::json> find_nas_field(const nlohmann::json& tree, std::string_view field) {
+const nlohmann::json* find_nas_field(const nlohmann::json& tree, std::string_view field) {
     return under_either_name(field,
                              [&tree](std::string_view name) { return find_in_tree(tree, name); });
 }

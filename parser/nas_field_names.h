@@ -5,7 +5,6 @@
 /// a tree lacks the older one.
 #pragma once
 
-#include <optional>
 #include <string_view>
 
 #include <nlohmann/json.hpp>
@@ -16,12 +15,13 @@ namespace KIVRA::TSHARK::PARSER {
 inline constexpr std::string_view nas_eps_layer = "nas-eps";
 inline constexpr std::string_view nas_eps_result = "nas-eps";
 
-/// A copy of the field's value, searched for in the whole tree as `find_in_tree` does, or nothing.
+/// The field's value, searched for in the whole tree as `find_in_tree` does, owned by the tree;
+/// null when the tree has no such field.
 /// @param field the older name, "nas_eps.X"
-std::optional<nlohmann::json> find_nas_field(const nlohmann::json& tree, std::string_view field);
+const nlohmann::json* find_nas_field(const nlohmann::json& tree, std::string_view field);
 
 /// The value of the field that is a direct member of the tree, owned by the tree; null when the
-/// tree has no such member or is no object.
+/// tree has no such member or is not an object.
 /// @param field the older name, "nas_eps.X"
 const nlohmann::json* nas_member(const nlohmann::json& tree, std::string_view field);
 

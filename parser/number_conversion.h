@@ -1,7 +1,7 @@
 /// Decimal texts to 32-bit numbers, with the same width and the same error texts on every platform.
 ///
 /// As the standard library's conversions do, both skip leading white space, take an optional sign,
-/// and stop at the first character that is no digit.
+/// and stop at the first character that is not a digit.
 #pragma once
 
 #include <cstdint>

@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "data/embedded_operators.h"
 #include "parser/number_conversion.h"
 
 namespace KIVRA::TSHARK::PARSER {
@@ -14,6 +15,12 @@ operator_list load_operators(std::string_view text) {
             302, std::string("type must be array, but is ") + parsed.type_name(), &parsed);
     }
     return std::move(parsed.get_ref<nlohmann::json::array_t&>());
+}
+
+std::shared_ptr<const operator_list> built_in_operators() {
+    static const auto operators =
+        std::make_shared<const operator_list>(load_operators(DATA::embedded_operators()));
+    return operators;
 }
 
 const nlohmann::json* find_operator(const operator_list& operators, std::int32_t mcc,

@@ -25,7 +25,7 @@ class parser_base {
     /// @param packet one element of tshark's JSON output
     virtual bool accepts(const nlohmann::json& packet) const = 0;
 
-    /// Adds what the packet tells to the result document, or replaces what stood there.
+    /// Adds the packet's values to the result document, or replaces those that it holds already.
     /// @param packet a packet that this parser accepts
     /// @param result an object with one member a protocol, or null
     /// @throws nlohmann::json::exception for a value of a type that the parser does not expect;

@@ -1,22 +1,36 @@
 #include "parser/tree_search.h"
 
+#include <cstddef>
 #include <string>
 
 namespace KIVRA::TSHARK::PARSER {
 
 namespace {
 
+using nlohmann::json;
+
 template <typename Matches>
-const nlohmann::json* first_match(const nlohmann::json& tree, const Matches& matches) {
-    if (!tree.is_structured()) {
-        return nullptr;
+const json* first_match(const json& tree, const Matches& matches);
+
+template <typename Matches>
+const json* match_of(const std::string& name, const json& value, const Matches& matches) {
+    if (matches(name)) {
+        return &value;
     }
-    for (const auto& [name, value] : tree.items()) {
-        if (matches(name)) {
-            return &value;
+    return value.is_object() ? first_match(value, matches) : nullptr;
+}
+
+template <typename Matches>
+const json* first_match(const json& tree, const Matches& matches) {
+    if (tree.is_object()) {
+        for (const auto& [name, value] : tree.get_ref<const json::object_t&>()) {
+            if (const json* found = match_of(name, value, matches)) {
+                return found;
+            }
         }
-        if (value.is_object()) {
-            if (const nlohmann::json* found = first_match(value, matches)) {
+    } else if (tree.is_array()) {
+        for (std::size_t index = 0; index < tree.size(); ++index) {
+            if (const json* found = match_of(std::to_string(index), tree[index], matches)) {
                 return found;
             }
         }
@@ -24,20 +38,15 @@ const nlohmann::json* first_match(const nlohmann::json& tree, const Matches& mat
     return nullptr;
 }
 
-std::optional<nlohmann::json> copy_of(const nlohmann::json* value) {
-    return value != nullptr ? std::optional(*value) : std::nullopt;
-}
-
 }  // namespace
 
-std::optional<nlohmann::json> find_in_tree(const nlohmann::json& tree, std::string_view name) {
-    return copy_of(first_match(tree, [name](const std::string& member) { return member == name; }));
+const json* find_in_tree(const json& tree, std::string_view name) {
+    return first_match(tree, [name](const std::string& member) { return member == name; });
 }
 
-std::optional<nlohmann::json> find_in_tree_by_prefix(const nlohmann::json& tree,
-                                                     std::string_view prefix) {
-    return copy_of(first_match(
-        tree, [prefix](const std::string& member) { return member.starts_with(prefix); }));
+const json* find_in_tree_by_prefix(const json& tree, std::string_view prefix) {
+    return first_match(tree,
+                       [prefix](const std::string& member) { return member.starts_with(prefix); });
 }
 
 }  // namespace KIVRA::TSHARK::PARSER

@@ -8,18 +8,17 @@
 /// as a member's value is not entered. A tree that is neither object nor array holds nothing.
 #pragma once
 
-#include <optional>
 #include <string_view>
 
 #include <nlohmann/json.hpp>
 
 namespace KIVRA::TSHARK::PARSER {
 
-/// A copy of the value of the first member with this name, or nothing.
-std::optional<nlohmann::json> find_in_tree(const nlohmann::json& tree, std::string_view name);
+/// @return the value of the first member with this name, owned by the tree; null when there is none
+const nlohmann::json* find_in_tree(const nlohmann::json& tree, std::string_view name);
 
-/// A copy of the value of the first member whose name begins with the prefix, or nothing.
-std::optional<nlohmann::json> find_in_tree_by_prefix(const nlohmann::json& tree,
-                                                     std::string_view prefix);
+/// @return the value of the first member whose name begins with the prefix, owned by the tree; null
+///     when there is none
+const nlohmann::json* find_in_tree_by_prefix(const nlohmann::json& tree, std::string_view prefix);
 
 }  // namespace KIVRA::TSHARK::PARSER

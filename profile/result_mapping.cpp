@@ -2,61 +2,51 @@
 
 #include <algorithm>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "profile/parameter_file.h"
+#include "profile/profile_values.h"
 
 namespace KIVRA::TSHARK::PROFILE {
 
 namespace {
 
-void carry_lte_rrc(const nlohmann::json& result, profile_texts& texts) {
-    if (!result.contains("lte-rrc")) {
-        return;
+using nlohmann::json;
+
+/// A part that is lacking counts as null.
+std::string text_of(const json& member, std::string_view part) {
+    if (part.empty()) {
+        return member.get<std::string>();
     }
-    const auto& lte_rrc = result["lte-rrc"];
-    const auto carry = [&lte_rrc](std::string_view member, std::string& text) {
-        if (lte_rrc.contains(member)) {
-            text = lte_rrc.at(member).get<std::string>();
-        }
-    };
-    carry("cdrx_int", texts.cdrx_int);
-    carry("cdrx_on_duration", texts.cdrx_on_duration);
-    carry("cdrx_inactive_timer", texts.cdrx_inactive_timer);
-    carry("idrx_reps", texts.idrx_reps);
-    carry("idrx_int", texts.idrx_int);
+    const json null;
+    const bool lacking = member.is_null() || (member.is_object() && !member.contains(part));
+    const json& text = lacking ? null : member[part];
+    return text.get<std::string>();
 }
 
-void carry_pdn(const nlohmann::json& result, nlohmann::json& carried_state) {
+void carry_values(const json& result, std::span<const profile_value> values, profile_texts& texts) {
+    for (const auto& value : values) {
+        if (result.contains(value.protocol) && result[value.protocol].contains(value.member)) {
+            texts.*value.text = text_of(result[value.protocol][value.member], value.part);
+        }
+    }
+}
+
+void carry_pdn(const json& result, json& carried_state) {
     if (result.contains("nas-eps") && result["nas-eps"].contains("pdn")) {
         carried_state["nas-eps"]["pdn"] = result["nas-eps"]["pdn"];
     }
 }
 
-void carry_bitmask(nlohmann::json& nas_eps, std::string_view timer, std::string& text) {
-    if (nas_eps.contains(timer)) {
-        text = nas_eps[timer]["bitmask"].get<std::string>();
-    }
-}
-
-void carry_bitmasks(nlohmann::json& result, profile_texts& texts) {
-    if (!result.contains("nas-eps")) {
-        return;
-    }
-    auto& nas_eps = result["nas-eps"];
-    carry_bitmask(nas_eps, "gprs_timer_3_T3412_extended_value", texts.t3412_extended_bitmask);
-    carry_bitmask(nas_eps, "gprs_timer_2_T3324_value", texts.t3324_bitmask);
-}
-
 }  // namespace
 
-void carry_texts(nlohmann::json& result, profile_texts& texts) {
-    carry_lte_rrc(result, texts);
-    carry_bitmasks(result, texts);
+void carry_texts(const json& result, profile_texts& texts) {
+    carry_values(result, profile_values, texts);
 }
 
-void map_packet(sink_context& context, const nlohmann::json& packet, nlohmann::json& result) {
+void map_packet(sink_context& context, const json& packet, json& result) {
     const auto parser = std::ranges::find_if(
         context.parsers, [&packet](const auto& candidate) { return candidate->accepts(packet); });
     if (parser == context.parsers.end()) {
@@ -64,9 +54,9 @@ void map_packet(sink_context& context, const nlohmann::json& packet, nlohmann::j
     }
     (*parser)->parse(packet, result);
 
-    carry_lte_rrc(result, context.texts);
+    carry_values(result, drx_values, context.texts);
     carry_pdn(result, context.carried_state);
-    carry_bitmasks(result, context.texts);
+    carry_values(result, psm_timers, context.texts);
     write_parameter_file(context);
 }
 

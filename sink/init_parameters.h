@@ -22,7 +22,7 @@ struct init_values {
 /// Reads "tshark_directory", "file_path" and "tshark_session", which the schema does not name and
 /// which is on with the value "on" alone; the later entry of a key counts, other keys and
 /// entries with a null key or value are skipped.
-/// @throws std::runtime_error when the block claims more entries than it has room for,
+/// @throws std::runtime_error when the block claims more entries than its capacity,
 ///     std::system_error for a value that is not valid in the file-system code page
 init_values read_init_parameters(const kivra_init_parameters& parameters);
 

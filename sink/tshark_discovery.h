@@ -1,7 +1,7 @@
 /// The search for tshark: its installation when the host names none, and the executable in it.
 ///
 /// A folder of PATH is searched for an entry whose name begins with "wireshark", whatever the case,
-/// not for tshark itself: an installation is found through the folder that it stands in, normally
+/// not for tshark itself: an installation is found through the folder that contains it, normally
 /// C:\Program Files.
 #pragma once
 

@@ -3,14 +3,14 @@
 /// Conventions:
 ///
 /// 1. The host loads the plug-in by file name and looks the eight functions up by their plain
-///    names; each has a function type here (`kivra_sink_data_function` for `kivra_sink_data`, ...).
+///    names. Each has a type for that: `kivra_sink_data_function` for `kivra_sink_data`, and so on.
 /// 2. Every record is a fixed binary layout: 64-bit, little-endian, natural alignment. The static
-///    assertions below each record hold its size and offsets. Bytes named `reserved` are the
-///    host's own; the plug-in does not interpret them.
+///    assertions at the end hold sizes and offsets. Bytes named `reserved` belong to the host; the
+///    plug-in does not interpret them.
 /// 3. Texts are NUL-terminated. Texts from the host are in the process's file-system code page
-///    (UTF-8 on POSIX); texts to the host are UTF-8, valid only during the callback unless said
-///    otherwise. The host copies what it keeps.
-/// 4. A callback gets back, untouched, the user data that the host passed along with it. A null
+///    (UTF-8 on POSIX). Texts to the host are UTF-8 and valid only during the callback unless
+///    stated otherwise; the host copies what it keeps.
+/// 4. A callback receives, unchanged, the user data that the host passed along with it. A null
 ///    callback is never called. Callbacks return nothing; they may throw (C++), and what they
 ///    throw never leaves the plug-in. Errors of other languages must end within the callback.
 /// 5. Functions return a `kivra_result`. No exception leaves them.
@@ -32,36 +32,66 @@
 #define KIVRA_TSHARK_SINK_EXPORT __attribute__((visibility("default")))
 #endif
 
+/// The version of this header; `kivra_sink_version` tells that of the plug-in loaded.
+#define KIVRA_TSHARK_SINK_VERSION_MAJOR 0
+#define KIVRA_TSHARK_SINK_VERSION_MINOR 13
+#define KIVRA_TSHARK_SINK_VERSION_PATCH 1
+
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+// Results and log levels
 
 /// What the functions return.
 enum kivra_result {
     /// Success.
     KIVRA_RESULT_SUCCESS = 0,
-    /// `kivra_sink_init` failed; the reason went to the error callback.
+    /// `kivra_sink_init` failed; the error callback has received the reason.
     KIVRA_RESULT_INIT_FAILED = 1,
-    /// Something failed in one of the other functions; for `kivra_sink_data` the reason is kept for
-    /// `kivra_sink_get_last_error`.
+    /// Another function failed; `kivra_sink_get_last_error` gives the reason for `kivra_sink_data`.
     KIVRA_RESULT_FAILED = 100
 };
 
 /// Levels of log messages.
 enum kivra_log_level {
-    /// Information: a value that no table knows, how long tshark took.
+    /// Information: a value without an entry in its table, or how long tshark took.
     KIVRA_LOG_INFORMATION = 3,
     /// tshark could not be started.
     KIVRA_LOG_ERROR = 5
 };
 
-/// How many entries a parameter block has room for.
-enum { KIVRA_INIT_PARAMETER_CAPACITY = 20 };
+// Records
 
 /// One instance of the sink.
 typedef struct kivra_sink_context kivra_sink_context;
 
-/// An error, as error callbacks get it.
+/// One trace record: a protocol message or an IP packet. Read-only for the plug-in.
+typedef struct kivra_trace_chunk {
+    /// The message's bytes, read only during `kivra_sink_data`. May be null when the size is 0.
+    const uint8_t* data;
+    /// The number of bytes at `data`.
+    uint32_t size;
+    uint8_t reserved_12[4];
+    /// The Wireshark dissector for the message: "nas-eps", a name containing "lte_rrc" (such as
+    /// "lte_rrc.ul_dcch"), or "ip" for an IP packet. Records of any other format, and of none
+    /// (null), are ignored.
+    const char* format;
+    uint8_t reserved_24[16];
+    /// When the record was captured, in microseconds since 1970-01-01.
+    uint64_t timestamp;
+    uint8_t reserved_48[16];
+} kivra_trace_chunk;
+
+/// A trace record with its result document.
+typedef struct kivra_annotated_chunk {
+    /// The 64 bytes that the host passed to `kivra_sink_data`.
+    kivra_trace_chunk chunk;
+    /// The result document: JSON, indented by 4 blanks, UTF-8, no final newline.
+    const char* text;
+} kivra_annotated_chunk;
+
+/// An error.
 typedef struct kivra_error {
     /// What went wrong.
     const char* message;
@@ -71,7 +101,7 @@ typedef struct kivra_error {
     uint8_t reserved[4];
 } kivra_error;
 
-/// The version, as `kivra_sink_version` hands it out. Every byte without a meaning here is zero.
+/// A version. Every byte without a meaning here is zero.
 typedef struct kivra_version_info {
     /// What the plug-in is; valid until the plug-in is unloaded.
     const char* description;
@@ -87,31 +117,36 @@ typedef struct kivra_version_info {
     uint8_t reserved_481[7];
 } kivra_version_info;
 
-/// One trace record: a protocol message or an IP packet. Read-only for the plug-in.
-typedef struct kivra_trace_chunk {
-    /// The message's bytes; the host's, read only during `kivra_sink_data`. May be null when the
-    /// size is 0.
-    const uint8_t* data;
-    /// How many bytes `data` points at.
-    uint32_t size;
-    uint8_t reserved_12[4];
-    /// The Wireshark dissector for the message: "nas-eps", a name containing "lte_rrc" (such as
-    /// "lte_rrc.ul_dcch"), or "ip" for an IP packet. Records of any other format, and of none
-    /// (null), are ignored.
-    const char* format;
-    uint8_t reserved_24[16];
-    /// When the record was captured, in microseconds since 1970-01-01.
-    uint64_t timestamp;
-    uint8_t reserved_48[16];
-} kivra_trace_chunk;
+// Callbacks
 
-/// A trace record with what was learnt from it, as the chunk callback gets it.
-typedef struct kivra_annotated_chunk {
-    /// The 64 bytes that the host passed to `kivra_sink_data`.
-    kivra_trace_chunk chunk;
-    /// The result document: JSON, indented by 4 blanks, UTF-8, no final newline.
-    const char* text;
-} kivra_annotated_chunk;
+/// Receives log messages during `kivra_sink_data`.
+/// @param caller carries no information for the host
+/// @param user_data the parameter block's `log_user_data`
+/// @param level a `kivra_log_level`
+/// @param message valid during the call
+typedef void (*kivra_log_callback)(const void* caller, void* user_data, uint32_t level,
+                                   const char* message);
+
+/// Receives an error.
+/// @param error valid during the call
+typedef void (*kivra_error_callback)(void* user_data, const kivra_error* error);
+
+/// Receives the JSON Schema of the initialisation parameters.
+/// @param schema valid until the plug-in is unloaded
+typedef void (*kivra_schema_callback)(void* user_data, const char* schema);
+
+/// Receives the plug-in's version.
+/// @param version valid during the call
+typedef void (*kivra_version_callback)(void* user_data, const kivra_version_info* version);
+
+/// Receives a trace record with its result document.
+/// @param chunk valid during the call
+typedef void (*kivra_chunk_callback)(void* user_data, const kivra_annotated_chunk* chunk);
+
+// Initialisation parameters
+
+/// The capacity of a parameter block, in entries.
+enum { KIVRA_INIT_PARAMETER_CAPACITY = 20 };
 
 /// One initialisation parameter.
 typedef struct kivra_init_parameter {
@@ -121,23 +156,6 @@ typedef struct kivra_init_parameter {
     const char* value;
     uint8_t reserved[160];
 } kivra_init_parameter;
-
-/// The host's logging function.
-/// @param caller carries no information for the host
-/// @param user_data the parameter block's `log_user_data`
-/// @param level a `kivra_log_level`
-/// @param message valid during the call
-typedef void (*kivra_log_callback)(const void* caller, void* user_data, uint32_t level,
-                                   const char* message);
-/// Gets an error; `error` is valid during the call.
-typedef void (*kivra_error_callback)(void* user_data, const kivra_error* error);
-/// Gets the JSON Schema of the initialisation parameters; `schema` is valid until the plug-in is
-/// unloaded.
-typedef void (*kivra_schema_callback)(void* user_data, const char* schema);
-/// Gets the plug-in's version; `version` is valid during the call.
-typedef void (*kivra_version_callback)(void* user_data, const kivra_version_info* version);
-/// Gets a trace record with its result document; `chunk` is valid during the call.
-typedef void (*kivra_chunk_callback)(void* user_data, const kivra_annotated_chunk* chunk);
 
 /// What `kivra_sink_init` needs. The host's, read only during the call.
 typedef struct kivra_init_parameters {
@@ -153,19 +171,91 @@ typedef struct kivra_init_parameters {
     kivra_error_callback error_callback;
 } kivra_init_parameters;
 
+// Functions that need no context
+
+/// Passes the plug-in's version to the callback, once.
+/// @return 0; 100 when the callback throws
+KIVRA_TSHARK_SINK_EXPORT int32_t kivra_sink_version(void* user_data,
+                                                    kivra_version_callback callback);
+
+/// Passes the JSON Schema of the initialisation parameters to the callback, once.
+/// @return 0; 100 when the callback throws
+KIVRA_TSHARK_SINK_EXPORT int32_t kivra_sink_init_parameters(void* user_data,
+                                                            kivra_schema_callback callback);
+
+// An instance, from its creation to its end
+
+/// Creates an instance: reads the parameters and finds tshark. The first call in a process also
+/// reads the operator list, which all instances share.
+///
+/// "tshark_directory" is the folder of tshark's executable; without it (or when it is empty) an
+/// entry whose name begins with "wireshark", whatever the case, is looked for in the folders of
+/// PATH (separated by ";") and in "C:\Program Files". "file_path" is the power-profile parameter
+/// file; without it none is written.
+///
+/// @param context receives the new instance; not written on failure
+/// @return 0; 1 on failure, after one call of the error callback with code 1; 1 without a call
+///     when `parameters` is null
+KIVRA_TSHARK_SINK_EXPORT int32_t kivra_sink_init(kivra_sink_context** context,
+                                                 const kivra_init_parameters* parameters);
+
+/// Analyses one trace record: runs tshark on a NAS or RRC message, takes the prefix of a router
+/// advertisement out of an IP packet. Writes the parameter file when the record completes it, and
+/// passes the result document to the callback unless it is empty. Waits until tshark has ended.
+///
+/// Two working files live in the current directory during the call and are deleted before it
+/// returns; a working file that cannot be deleted ends the process.
+///
+/// @param reserved_1 ignored
+/// @param reserved_2 ignored
+/// @return 0, also for a record that is ignored or a tshark that cannot be started (which is
+///     logged); 100 on failure, the reason is kept for `kivra_sink_get_last_error`; 100 without
+///     a reason when `context` is null
+KIVRA_TSHARK_SINK_EXPORT int32_t kivra_sink_data(kivra_sink_context* context,
+                                                 const kivra_trace_chunk* chunk, void* reserved_1,
+                                                 void* reserved_2, void* user_data,
+                                                 kivra_chunk_callback callback);
+
+/// Passes the reason of the last failed `kivra_sink_data` to the callback: its text and 100, or the
+/// empty text and 0 when none has failed. Neither reading nor a later success clears it. Does
+/// nothing when `context` is null.
+KIVRA_TSHARK_SINK_EXPORT void kivra_sink_get_last_error(kivra_sink_context* context,
+                                                        void* user_data,
+                                                        kivra_error_callback callback);
+
+/// For the end of the host's stream. Does nothing: every record is finished when `kivra_sink_data`
+/// returns.
+/// @return 0
+KIVRA_TSHARK_SINK_EXPORT int32_t kivra_sink_complete(kivra_sink_context* context);
+
+/// For a stream that the host gives up. Does nothing, as `kivra_sink_complete`.
+/// @return 0
+KIVRA_TSHARK_SINK_EXPORT int32_t kivra_sink_cancel(kivra_sink_context* context);
+
+/// Ends an instance and deletes tshark's output file should it exist. Null is accepted.
+/// @return 0; 100 should the tear-down fail
+KIVRA_TSHARK_SINK_EXPORT int32_t kivra_sink_release(kivra_sink_context* context);
+
+// The functions' types, for hosts that look them up by name
+
+typedef int32_t kivra_sink_version_function(void* user_data, kivra_version_callback callback);
+typedef int32_t kivra_sink_init_parameters_function(void* user_data,
+                                                    kivra_schema_callback callback);
+typedef int32_t kivra_sink_init_function(kivra_sink_context** context,
+                                         const kivra_init_parameters* parameters);
+typedef int32_t kivra_sink_data_function(kivra_sink_context* context,
+                                         const kivra_trace_chunk* chunk, void* reserved_1,
+                                         void* reserved_2, void* user_data,
+                                         kivra_chunk_callback callback);
+typedef void kivra_sink_get_last_error_function(kivra_sink_context* context, void* user_data,
+                                                kivra_error_callback callback);
+typedef int32_t kivra_sink_complete_function(kivra_sink_context* context);
+typedef int32_t kivra_sink_cancel_function(kivra_sink_context* context);
+typedef int32_t kivra_sink_release_function(kivra_sink_context* context);
+
+// Layouts
+
 static_assert(sizeof(void*) == 8, "64-bit platforms only");
-
-static_assert(sizeof(kivra_error) == 16, "layout");
-static_assert(offsetof(kivra_error, message) == 0, "layout");
-static_assert(offsetof(kivra_error, code) == 8, "layout");
-
-static_assert(sizeof(kivra_version_info) == 488, "layout");
-static_assert(offsetof(kivra_version_info, description) == 0, "layout");
-static_assert(offsetof(kivra_version_info, reserved_8) == 8, "layout");
-static_assert(offsetof(kivra_version_info, major) == 16, "layout");
-static_assert(offsetof(kivra_version_info, minor) == 20, "layout");
-static_assert(offsetof(kivra_version_info, patch) == 24, "layout");
-static_assert(offsetof(kivra_version_info, flag) == 480, "layout");
 
 static_assert(sizeof(kivra_trace_chunk) == 64, "layout");
 static_assert(offsetof(kivra_trace_chunk, data) == 0, "layout");
@@ -179,6 +269,18 @@ static_assert(sizeof(kivra_annotated_chunk) == 72, "layout");
 static_assert(offsetof(kivra_annotated_chunk, chunk) == 0, "layout");
 static_assert(offsetof(kivra_annotated_chunk, text) == 64, "layout");
 
+static_assert(sizeof(kivra_error) == 16, "layout");
+static_assert(offsetof(kivra_error, message) == 0, "layout");
+static_assert(offsetof(kivra_error, code) == 8, "layout");
+
+static_assert(sizeof(kivra_version_info) == 488, "layout");
+static_assert(offsetof(kivra_version_info, description) == 0, "layout");
+static_assert(offsetof(kivra_version_info, reserved_8) == 8, "layout");
+static_assert(offsetof(kivra_version_info, major) == 16, "layout");
+static_assert(offsetof(kivra_version_info, minor) == 20, "layout");
+static_assert(offsetof(kivra_version_info, patch) == 24, "layout");
+static_assert(offsetof(kivra_version_info, flag) == 480, "layout");
+
 static_assert(sizeof(kivra_init_parameter) == 176, "layout");
 static_assert(offsetof(kivra_init_parameter, key) == 0, "layout");
 static_assert(offsetof(kivra_init_parameter, value) == 8, "layout");
@@ -191,73 +293,6 @@ static_assert(offsetof(kivra_init_parameters, log_user_data) == 3528, "layout");
 static_assert(offsetof(kivra_init_parameters, log_callback) == 3536, "layout");
 static_assert(offsetof(kivra_init_parameters, error_user_data) == 3544, "layout");
 static_assert(offsetof(kivra_init_parameters, error_callback) == 3552, "layout");
-
-/// Hands the JSON Schema of the initialisation parameters to the callback, once. Needs no context.
-/// @return 0; 100 when the callback throws
-typedef int32_t kivra_sink_init_parameters_function(void* user_data,
-                                                    kivra_schema_callback callback);
-
-/// Hands the plug-in's version to the callback, once. Needs no context.
-/// @return 0; 100 when the callback throws
-typedef int32_t kivra_sink_version_function(void* user_data, kivra_version_callback callback);
-
-/// Creates an instance: reads the parameters, finds tshark, loads the operator list.
-///
-/// "tshark_directory" is the folder of tshark's executable; without it (or when it is empty) an
-/// entry whose name begins with "wireshark", whatever the case, is looked for in the folders of
-/// PATH (separated by ";") and in "C:\Program Files". "file_path" is the power-profile parameter
-/// file; without it none is written.
-///
-/// @param context where the new instance goes; not written on failure
-/// @return 0; 1 on failure, after one call of the block's error callback with code 1; 1 at once
-///     when there is no block
-typedef int32_t kivra_sink_init_function(kivra_sink_context** context,
-                                         const kivra_init_parameters* parameters);
-
-/// Analyses one trace record: runs tshark on a NAS or RRC message, takes the prefix of a router
-/// advertisement out of an IP packet. Writes the parameter file when the record completes it, and
-/// hands the result document to the callback when there is one. Waits until tshark has ended.
-///
-/// Two working files live in the current directory during the call and are deleted before it
-/// returns; a working file that cannot be deleted ends the process.
-///
-/// @param reserved_1 ignored
-/// @param reserved_2 ignored
-/// @return 0, also for a record that is ignored or a tshark that cannot be started (which is
-///     logged); 100 on failure, the reason is kept for `kivra_sink_get_last_error`; 100 at once
-///     when there is no context
-typedef int32_t kivra_sink_data_function(kivra_sink_context* context,
-                                         const kivra_trace_chunk* chunk, void* reserved_1,
-                                         void* reserved_2, void* user_data,
-                                         kivra_chunk_callback callback);
-
-/// Tells that the host's stream has ended. Does nothing: every record is finished when
-/// `kivra_sink_data` returns.
-/// @return 0
-typedef int32_t kivra_sink_complete_function(kivra_sink_context* context);
-
-/// Tells that the host gave up its stream. Does nothing, as `kivra_sink_complete`.
-/// @return 0
-typedef int32_t kivra_sink_cancel_function(kivra_sink_context* context);
-
-/// Hands the reason of the last failed `kivra_sink_data` to the callback: its text and 100, or the
-/// empty text and 0 when none has failed. Neither reading nor a later success clears it. Does
-/// nothing without a context.
-typedef void kivra_sink_get_last_error_function(kivra_sink_context* context, void* user_data,
-                                                kivra_error_callback callback);
-
-/// Ends an instance and deletes tshark's output file should it exist. Null is accepted.
-/// @return 0; 100 should the tear-down fail
-typedef int32_t kivra_sink_release_function(kivra_sink_context* context);
-
-KIVRA_TSHARK_SINK_EXPORT kivra_sink_init_parameters_function kivra_sink_init_parameters;
-KIVRA_TSHARK_SINK_EXPORT kivra_sink_version_function kivra_sink_version;
-KIVRA_TSHARK_SINK_EXPORT kivra_sink_init_function kivra_sink_init;
-KIVRA_TSHARK_SINK_EXPORT kivra_sink_data_function kivra_sink_data;
-KIVRA_TSHARK_SINK_EXPORT kivra_sink_complete_function kivra_sink_complete;
-KIVRA_TSHARK_SINK_EXPORT kivra_sink_cancel_function kivra_sink_cancel;
-KIVRA_TSHARK_SINK_EXPORT kivra_sink_get_last_error_function kivra_sink_get_last_error;
-KIVRA_TSHARK_SINK_EXPORT kivra_sink_release_function kivra_sink_release;
 
 #ifdef __cplusplus
 }

@@ -1,41 +1,37 @@
 #include "replay/report/profile_sources.h"
 
 #include <algorithm>
-#include <span>
 
 #include "profile/parameter_file.h"
+#include "profile/profile_values.h"
 #include "profile/result_mapping.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
-void profile_sources::follow(std::uint64_t number, nlohmann::json result) {
+void profile_sources::follow(std::uint64_t number, const nlohmann::json& result) {
     profile_texts given;
     PROFILE::carry_texts(result, given);
-    const auto take = [&](std::span<const PROFILE::profile_text> values) {
-        for (const auto& [member, text] : values) {
-            if (!(given.*text).empty()) {
-                texts_.*text = given.*text;
-                known_[std::string(member)] = number;
-            }
+    for (const auto& value : PROFILE::profile_values) {
+        if (!(given.*value.text).empty()) {
+            texts_.*value.text = given.*value.text;
+            known_[std::string(value.file_member)] = number;
         }
-    };
-    take(PROFILE::replacing_texts);
-    take(PROFILE::power_saving_texts);
-    if (PROFILE::suffice_for_file(texts_)) {
+    }
+    if (PROFILE::is_complete(texts_)) {
         write();
     }
 }
 
 void profile_sources::write() {
     written_ = known_;
-    if (PROFILE::save_power(texts_)) {
-        const auto& [active_time, periodic_update] = PROFILE::power_saving_texts;
-        written_[std::string(PROFILE::power_saving_member)] =
-            std::max(known_.at(std::string(active_time.member)),
-                     known_.at(std::string(periodic_update.member)));
+    if (PROFILE::has_psm_timers(texts_)) {
+        std::uint64_t& later = written_[std::string(PROFILE::psm_member)];
+        for (const auto& timer : PROFILE::psm_timers) {
+            later = std::max(later, known_.at(std::string(timer.file_member)));
+        }
     } else {
-        for (const auto& value : PROFILE::power_saving_texts) {
-            written_.erase(std::string(value.member));
+        for (const auto& timer : PROFILE::psm_timers) {
+            written_.erase(std::string(timer.file_member));
         }
     }
     known_.clear();

@@ -15,7 +15,7 @@ namespace KIVRA::TSHARK::REPLAY {
 class profile_sources {
   public:
     /// @param number of the record that the document is of
-    void follow(std::uint64_t number, nlohmann::json result);
+    void follow(std::uint64_t number, const nlohmann::json& result);
 
     /// The numbers of the records, by the members of the last profile that was due; the other
     /// members are at their defaults.

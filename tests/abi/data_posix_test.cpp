@@ -27,7 +27,7 @@ class data_on_posix : public TESTING::scratch_test {
 };
 
 TEST_F(data_on_posix, logs_a_process_that_cannot_be_created_and_succeeds) {
-    ASSERT_EQ(host_.init_with_stand_in("profile.json"), 0);
+    ASSERT_EQ(host_.init_with_fake_tshark("profile.json"), 0);
     rlimit former{};
     ASSERT_EQ(getrlimit(RLIMIT_NPROC, &former), 0);
     const rlimit none{0, former.rlim_max};
@@ -48,7 +48,7 @@ TEST_F(data_on_posix, logs_a_process_that_cannot_be_created_and_succeeds) {
 }
 
 TEST_F(data_on_posix, fails_where_the_working_directory_is_gone) {
-    ASSERT_EQ(host_.init_with_stand_in(), 0);
+    ASSERT_EQ(host_.init_with_fake_tshark(), 0);
     fs::create_directory("gone");
     fs::current_path("gone");
     fs::remove(scratch() / "gone");
@@ -58,7 +58,7 @@ TEST_F(data_on_posix, fails_where_the_working_directory_is_gone) {
 }
 
 TEST_F(data_on_posix, fails_where_a_name_for_the_capture_cannot_be_queried) {
-    ASSERT_EQ(host_.init_with_stand_in(), 0);
+    ASSERT_EQ(host_.init_with_fake_tshark(), 0);
     TESTING::enter_deep_directory();
     EXPECT_EQ(host_.data("nas-eps", ""), 100);
     EXPECT_THAT(host_.last_error().first, HasSubstr("exists"));
@@ -69,14 +69,14 @@ TEST_F(data_on_posix, works_in_folders_of_any_name) {
     for (const std::string name :
          {"a b&(c);$HOME`id`\\n'%PATH%\xC3\xA4*", "a\"; touch INJECTED; \"b", "-a\"b\n\xFF"}) {
         fs::create_directory(name);
-        fs::copy(TESTING::stand_in_directory(), fs::path(name) / "tools");
+        fs::copy(TESTING::fake_tshark_directory(), fs::path(name) / "tools");
         fs::current_path(name);
-        TESTING::stand_in_prints("[]");
+        TESTING::fake_tshark_prints("[]");
         ASSERT_EQ(host_.init({{"tshark_directory", (scratch() / name / "tools").string()}}), 0);
         EXPECT_EQ(host_.data("nas-eps", ""), 0) << name;
         EXPECT_EQ(host_.last_error().first, "") << name;
         EXPECT_THAT(TESTING::names_in("."),
-                    testing::ElementsAre("stand_in.output", "stand_in.sh", "tools"));
+                    testing::ElementsAre("fake_tshark.output", "fake_tshark.sh", "tools"));
         host_.release();
         fs::current_path(scratch());
     }

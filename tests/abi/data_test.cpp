@@ -32,14 +32,14 @@ constexpr auto one_packet =
 
 class data : public TESTING::scratch_test {
   protected:
-    void SetUp() override { ASSERT_EQ(host_.init_with_stand_in("profile.json"), 0); }
+    void SetUp() override { ASSERT_EQ(host_.init_with_fake_tshark("profile.json"), 0); }
 
-    /// The files of the test, without those that the stand-in needs and what the system writes of
-    /// a process that was ended.
+    /// The files of the test, without those that the fake tshark needs and what the system writes
+    /// of a process that was ended.
     static std::vector<std::string> files() {
         auto names = TESTING::names_in(".");
         std::erase_if(names, [](const std::string& name) {
-            return name.starts_with("stand_in") || name.starts_with("core");
+            return name.starts_with("fake_tshark") || name.starts_with("core");
         });
         return names;
     }
@@ -48,7 +48,7 @@ class data : public TESTING::scratch_test {
 };
 
 TEST_F(data, hands_the_result_document_back_indented_and_without_a_final_newline) {
-    TESTING::stand_in_prints(one_packet);
+    TESTING::fake_tshark_prints(one_packet);
     EXPECT_EQ(host_.data("lte_rrc.bcch_dl_sch_br", "x"), 0);
     EXPECT_THAT(host_.texts, ElementsAre("{\n"
                                          "    \"lte-rrc\": {\n"
@@ -59,7 +59,7 @@ TEST_F(data, hands_the_result_document_back_indented_and_without_a_final_newline
 }
 
 TEST_F(data, hands_the_64_bytes_of_the_record_back_as_they_came) {
-    TESTING::stand_in_prints(one_packet);
+    TESTING::fake_tshark_prints(one_packet);
     const char* format = "lte_rrc";
     kivra_trace_chunk chunk;
     auto* bytes = reinterpret_cast<unsigned char*>(&chunk);
@@ -80,7 +80,7 @@ TEST_F(data, hands_the_64_bytes_of_the_record_back_as_they_came) {
 }
 
 TEST_F(data, ignores_the_third_and_fourth_argument) {
-    TESTING::stand_in_prints("[]");
+    TESTING::fake_tshark_prints("[]");
     kivra_trace_chunk chunk{};
     chunk.format = "nas-eps";
     int anything = 0;
@@ -90,9 +90,9 @@ TEST_F(data, ignores_the_third_and_fourth_argument) {
 }
 
 TEST_F(data, gives_tshark_its_command_line) {
-    TESTING::stand_in_runs(R"(printf '%s\n' "$@" > stand_in.arguments; echo '[]')");
+    TESTING::fake_tshark_runs(R"(printf '%s\n' "$@" > fake_tshark.arguments; echo '[]')");
     EXPECT_EQ(host_.data("nas-eps", ""), 0);
-    const std::string arguments = TESTING::read_file("stand_in.arguments");
+    const std::string arguments = TESTING::read_file("fake_tshark.arguments");
     EXPECT_TRUE(std::regex_match(
         arguments,
         std::regex("-Y\nnas-eps\\|\\|lte_rrc\n-r\n.*tshark_temp[0-9]+\\.pcapng\n-T\njson\n")))
@@ -100,7 +100,7 @@ TEST_F(data, gives_tshark_its_command_line) {
 }
 
 TEST_F(data, gives_tshark_the_record_in_a_capture_of_the_working_directory) {
-    TESTING::stand_in_runs("cp tshark_temp*.pcapng stand_in.capture; echo '[]'");
+    TESTING::fake_tshark_runs("cp tshark_temp*.pcapng fake_tshark.capture; echo '[]'");
     const std::string payload = TESTING::bytes_of("2c02ff");
     EXPECT_EQ(host_.data("lte_rrc.dl_dcch", payload, 0x0000000100000002), 0);
     const std::string expected =
@@ -109,13 +109,14 @@ TEST_F(data, gives_tshark_the_record_in_a_capture_of_the_working_directory) {
             "lte_rrc.dl_dcch",
             {reinterpret_cast<const std::uint8_t*>(payload.data()), payload.size()},
             0x0000000100000002);
-    EXPECT_EQ(TESTING::hex_of(TESTING::read_file("stand_in.capture")), TESTING::hex_of(expected));
+    EXPECT_EQ(TESTING::hex_of(TESTING::read_file("fake_tshark.capture")),
+              TESTING::hex_of(expected));
 }
 
 TEST_F(data, names_its_working_files_and_deletes_them) {
-    TESTING::stand_in_runs("ls > stand_in.files; echo '[]'");
+    TESTING::fake_tshark_runs("ls > fake_tshark.files; echo '[]'");
     EXPECT_EQ(host_.data("nas-eps", ""), 0);
-    const std::string during = TESTING::read_file("stand_in.files");
+    const std::string during = TESTING::read_file("fake_tshark.files");
     EXPECT_TRUE(
         std::regex_search(during, std::regex("^tshark[0-9]+\\.json", std::regex::multiline)))
         << during;
@@ -126,10 +127,10 @@ TEST_F(data, names_its_working_files_and_deletes_them) {
 }
 
 TEST_F(data, uses_the_same_output_file_for_every_record_and_a_fresh_capture_for_each) {
-    TESTING::stand_in_runs("ls tshark* >> stand_in.files; echo '[]'");
+    TESTING::fake_tshark_runs("ls tshark* >> fake_tshark.files; echo '[]'");
     host_.data("nas-eps", "");
     host_.data("nas-eps", "");
-    std::istringstream lines(TESTING::read_file("stand_in.files"));
+    std::istringstream lines(TESTING::read_file("fake_tshark.files"));
     std::vector<std::string> names(std::istream_iterator<std::string>(lines), {});
     ASSERT_EQ(names.size(), 4U);
     EXPECT_EQ(names[0], names[2]);
@@ -138,16 +139,17 @@ TEST_F(data, uses_the_same_output_file_for_every_record_and_a_fresh_capture_for_
 
 TEST_F(data, takes_the_working_directory_of_the_call_for_the_capture) {
     fs::create_directory("elsewhere");
-    TESTING::write_file("elsewhere/stand_in.sh", "ls > stand_in.files; echo '[]'");
+    TESTING::write_file("elsewhere/fake_tshark.sh", "ls > fake_tshark.files; echo '[]'");
     fs::current_path("elsewhere");
     EXPECT_EQ(host_.data("nas-eps", ""), 0);
-    EXPECT_THAT(TESTING::read_file("stand_in.files"),
-                StartsWith("stand_in.files\nstand_in.sh\ntshark_temp"));
-    EXPECT_EQ(TESTING::names_in("."), (std::vector<std::string>{"stand_in.files", "stand_in.sh"}));
+    EXPECT_THAT(TESTING::read_file("fake_tshark.files"),
+                StartsWith("fake_tshark.files\nfake_tshark.sh\ntshark_temp"));
+    EXPECT_EQ(TESTING::names_in("."),
+              (std::vector<std::string>{"fake_tshark.files", "fake_tshark.sh"}));
 }
 
 TEST_F(data, logs_how_long_tshark_took) {
-    TESTING::stand_in_prints("[]");
+    TESTING::fake_tshark_prints("[]");
     EXPECT_EQ(host_.data("nas-eps", ""), 0);
     ASSERT_EQ(host_.logs.size(), 1U);
     EXPECT_TRUE(TESTING::is_timing(host_.logs.front().message)) << host_.logs.front().message;
@@ -156,7 +158,7 @@ TEST_F(data, logs_how_long_tshark_took) {
 }
 
 TEST_F(data, logs_the_time_before_it_hands_the_result_back) {
-    TESTING::stand_in_prints(one_packet);
+    TESTING::fake_tshark_prints(one_packet);
     std::size_t logged = 0;
     host_.on_chunk = [&](const kivra_annotated_chunk&) { logged = host_.logs.size(); };
     host_.data("lte_rrc", "");
@@ -166,14 +168,14 @@ TEST_F(data, logs_the_time_before_it_hands_the_result_back) {
 TEST_F(data, hands_nothing_back_for_an_output_without_packets) {
     for (const char* output : {"[]", "{}", "null", R"([{"_source": {}}])",
                                R"([{"_source": {"layers": {"frame": {}}}}])"}) {
-        TESTING::stand_in_prints(output);
+        TESTING::fake_tshark_prints(output);
         EXPECT_EQ(host_.data("nas-eps", ""), 0);
         EXPECT_THAT(host_.texts, IsEmpty()) << output;
     }
 }
 
 TEST_F(data, needs_no_callback) {
-    TESTING::stand_in_prints(one_packet);
+    TESTING::fake_tshark_prints(one_packet);
     kivra_trace_chunk chunk{};
     chunk.format = "lte_rrc";
     EXPECT_EQ(host_.exports.data(host_.context, &chunk, nullptr, nullptr, nullptr, nullptr), 0);
@@ -182,10 +184,10 @@ TEST_F(data, needs_no_callback) {
 }
 
 TEST_F(data, needs_no_log_callback) {
-    TESTING::stand_in_prints(
+    TESTING::fake_tshark_prints(
         R"([{"_source": {"layers": {"lte_rrc": {"lte-rrc.onDurationTimer": "99"}}}}])");
     kivra_init_parameters block = host_.block({});
-    const std::string directory = TESTING::stand_in_directory().string();
+    const std::string directory = TESTING::fake_tshark_directory().string();
     block.entries[0] = {"tshark_directory", directory.c_str(), {}};
     block.count = 1;
     block.log_callback = nullptr;
@@ -195,7 +197,7 @@ TEST_F(data, needs_no_log_callback) {
 }
 
 TEST_F(data, logs_values_without_a_mapping_from_the_parser) {
-    TESTING::stand_in_prints(
+    TESTING::fake_tshark_prints(
         R"([{"_source": {"layers": {"lte_rrc": {"lte-rrc.onDurationTimer": "99"}}}}])");
     EXPECT_EQ(host_.data("lte_rrc", ""), 0);
     ASSERT_EQ(host_.logs.size(), 2U);
@@ -205,7 +207,7 @@ TEST_F(data, logs_values_without_a_mapping_from_the_parser) {
 }
 
 TEST_F(data, ignores_records_of_other_formats_without_a_word) {
-    TESTING::stand_in_runs("touch stand_in.was_run");
+    TESTING::fake_tshark_runs("touch fake_tshark.was_run");
     for (const char* format : {"nas-epsx", "NAS-EPS", "lte-rrc.dl_dcch", "ipx", "IP", "", "http"}) {
         EXPECT_EQ(host_.data(format, std::string(100, 'x')), 0) << format;
     }
@@ -213,11 +215,11 @@ TEST_F(data, ignores_records_of_other_formats_without_a_word) {
     EXPECT_EQ(host_.exports.data(host_.context, &chunk, nullptr, nullptr, nullptr, nullptr), 0);
     EXPECT_THAT(host_.logs, IsEmpty());
     EXPECT_THAT(host_.texts, IsEmpty());
-    EXPECT_FALSE(fs::exists("stand_in.was_run"));
+    EXPECT_FALSE(fs::exists("fake_tshark.was_run"));
 }
 
 TEST_F(data, takes_the_prefix_of_a_router_advertisement_without_tshark) {
-    TESTING::stand_in_runs("touch stand_in.was_run");
+    TESTING::fake_tshark_runs("touch fake_tshark.was_run");
     std::string packet(88, '\0');
     packet[6] = 58;
     packet[40] = static_cast<char>(134);
@@ -225,23 +227,23 @@ TEST_F(data, takes_the_prefix_of_a_router_advertisement_without_tshark) {
     EXPECT_EQ(host_.data("ip", packet), 0);
     EXPECT_EQ(host_.document(), json::parse(R"({"nas-eps": {"pdn": {
                   "ICMPv6_prefix": "2001:0db8:0000:0000:0000:0000:0000:0000"}}})"));
-    EXPECT_FALSE(fs::exists("stand_in.was_run"));
+    EXPECT_FALSE(fs::exists("fake_tshark.was_run"));
     EXPECT_THAT(host_.logs, IsEmpty());
 }
 
 TEST_F(data, writes_the_parameter_file) {
-    TESTING::stand_in_prints(one_packet);
+    TESTING::fake_tshark_prints(one_packet);
     EXPECT_EQ(host_.data("lte_rrc", ""), 0);
     EXPECT_EQ(TESTING::read_file("profile.json"),
               TESTING::read_file(TESTING::data_file("profile_of_defaults.json")));
 }
 
 TEST_F(data, carries_values_from_one_record_to_the_file_that_a_later_one_writes_and_no_further) {
-    TESTING::stand_in_prints(
+    TESTING::fake_tshark_prints(
         R"([{"_source": {"layers": {"lte_rrc": {"lte-rrc.onDurationTimer": "7"}}}}])");
     host_.data("lte_rrc", "");
     EXPECT_THAT(files(), IsEmpty());
-    TESTING::stand_in_prints(one_packet);
+    TESTING::fake_tshark_prints(one_packet);
     host_.data("lte_rrc", "");
     EXPECT_EQ(TESTING::read_json("profile.json")["cdrx_on_duration"], "10");
     host_.data("lte_rrc", "");
@@ -249,9 +251,9 @@ TEST_F(data, carries_values_from_one_record_to_the_file_that_a_later_one_writes_
 }
 
 TEST_F(data, does_not_carry_the_result_document_from_one_record_to_the_next) {
-    TESTING::stand_in_prints(one_packet);
+    TESTING::fake_tshark_prints(one_packet);
     host_.data("lte_rrc", "");
-    TESTING::stand_in_prints("[]");
+    TESTING::fake_tshark_prints("[]");
     host_.data("lte_rrc", "");
     EXPECT_EQ(host_.texts.size(), 1U);
 }
@@ -271,7 +273,7 @@ class failing_data : public data {
 };
 
 TEST_F(failing_data, when_tshark_has_gone_since_init) {
-    fs::copy(TESTING::stand_in_directory(), "tools");
+    fs::copy(TESTING::fake_tshark_directory(), "tools");
     host_.release();
     ASSERT_EQ(host_.init({{"tshark_directory", "tools"}}), 0);
     fs::remove_all("tools");
@@ -279,33 +281,33 @@ TEST_F(failing_data, when_tshark_has_gone_since_init) {
 }
 
 TEST_F(failing_data, without_an_output) {
-    TESTING::stand_in_runs("rm tshark[0-9]*.json");
+    TESTING::fake_tshark_runs("rm tshark[0-9]*.json");
     expect_failure("cannot open file");
 }
 
 TEST_F(failing_data, with_an_empty_output) {
-    TESTING::stand_in_prints("");
+    TESTING::fake_tshark_prints("");
     expect_failure(HasSubstr("parse_error.101"));
 }
 
 TEST_F(failing_data, with_an_output_that_is_no_json) {
-    TESTING::stand_in_prints("tshark: something went wrong");
+    TESTING::fake_tshark_prints("tshark: something went wrong");
     expect_failure(HasSubstr("parse_error.101"));
 }
 
 TEST_F(failing_data, with_half_an_output) {
-    TESTING::stand_in_prints(std::string(one_packet).substr(0, 60));
+    TESTING::fake_tshark_prints(std::string(one_packet).substr(0, 60));
     expect_failure(HasSubstr("parse_error.101"));
 }
 
 TEST_F(failing_data, with_a_field_that_is_no_text) {
-    TESTING::stand_in_prints(
+    TESTING::fake_tshark_prints(
         R"([{"_source": {"layers": {"lte_rrc": {"lte-rrc.onDurationTimer": 7}}}}])");
     expect_failure(HasSubstr("type must be string, but is number"));
 }
 
 TEST_F(failing_data, with_a_message_on_stderr_alone_and_a_bad_status) {
-    TESTING::stand_in_runs("echo broken >&2; exit 2");
+    TESTING::fake_tshark_runs("echo broken >&2; exit 2");
     expect_failure(HasSubstr("parse_error.101"));
 }
 
@@ -327,15 +329,15 @@ TEST_F(failing_data, without_a_record_or_a_context) {
 }
 
 TEST_F(failing_data, keeps_its_reason_through_later_successes) {
-    TESTING::stand_in_runs("rm tshark[0-9]*.json");
+    TESTING::fake_tshark_runs("rm tshark[0-9]*.json");
     EXPECT_EQ(host_.data("nas-eps", ""), 100);
-    TESTING::stand_in_prints("[]");
+    TESTING::fake_tshark_prints("[]");
     EXPECT_EQ(host_.data("nas-eps", ""), 0);
     EXPECT_EQ(host_.last_error(), error_entry("cannot open file", 100U));
 }
 
 TEST_F(failing_data, with_an_output_that_is_no_utf8) {
-    TESTING::stand_in_prints("[{\"_source\": {\"layers\": {\"lte_rrc\": {\"a\": \"\xFF\"}}}}]");
+    TESTING::fake_tshark_prints("[{\"_source\": {\"layers\": {\"lte_rrc\": {\"a\": \"\xFF\"}}}}]");
     expect_failure(HasSubstr("parse_error.101"));
 }
 
@@ -357,7 +359,7 @@ class undeletable_files : public data {
 };
 
 TEST_F(undeletable_files, end_the_process_after_the_capture_was_deleted) {
-    TESTING::stand_in_runs(
+    TESTING::fake_tshark_runs(
         "output=$(ls tshark[0-9]*.json); rm $output; mkdir $output; touch $output/inside");
     EXPECT_DEATH(host_.data("nas-eps", ""), "");
     ASSERT_EQ(files().size(), 1U);
@@ -365,7 +367,7 @@ TEST_F(undeletable_files, end_the_process_after_the_capture_was_deleted) {
 }
 
 TEST_F(undeletable_files, end_the_process_before_the_output_is_deleted) {
-    TESTING::stand_in_runs(
+    TESTING::fake_tshark_runs(
         "capture=$(ls tshark_temp*.pcapng); rm $capture; mkdir $capture; touch $capture/inside");
     EXPECT_DEATH(host_.data("nas-eps", ""), "");
     ASSERT_EQ(files().size(), 2U);

@@ -16,14 +16,14 @@ using testing::IsEmpty;
 
 class data_on_windows : public TESTING::scratch_test {
   protected:
-    /// Makes a folder, with the stand-in in a folder "tools" of its own, and goes there.
+    /// Makes a folder, with the fake tshark in a folder "tools" of its own, and goes there.
     void enter(const fs::path& name) {
         directory_ = scratch() / name;
         fs::create_directories(directory_ / "tools");
-        fs::copy_file(TESTING::stand_in_directory() / "tshark.exe",
+        fs::copy_file(TESTING::fake_tshark_directory() / "tshark.exe",
                       directory_ / "tools" / "tshark.exe");
         fs::current_path(directory_);
-        TESTING::stand_in_prints(R"([{"_source": {"layers": {"lte_rrc": {
+        TESTING::fake_tshark_prints(R"([{"_source": {"layers": {"lte_rrc": {
             "lte-rrc.defaultPagingCycle": "2", "lte-rrc.mpdcch_NumRepetition_Paging_r13": "4"}}}}])");
         ASSERT_EQ(host_.init({{"tshark_directory", TESTING::narrow_text(directory_ / "tools")},
                               {"file_path", TESTING::narrow_text(directory_ / "profile.json")}}),
@@ -36,7 +36,7 @@ class data_on_windows : public TESTING::scratch_test {
 
 TEST_F(data_on_windows, logs_an_interpreter_that_cannot_be_started_and_succeeds) {
     // No command line may have more than 32767 characters.
-    std::string directory = TESTING::stand_in_directory().string();
+    std::string directory = TESTING::fake_tshark_directory().string();
     while (directory.size() < 32'700) {
         directory += "\\.";
     }
@@ -69,7 +69,7 @@ TEST_F(data_on_windows, finds_no_output_in_a_folder_that_the_code_page_carries_d
     EXPECT_EQ(host_.data("lte_rrc", ""), 100);
     EXPECT_EQ(host_.last_error().first, "cannot open file");
     EXPECT_THAT(TESTING::names_in("."),
-                testing::ElementsAre("stand_in.output", "stand_in.sh", "tools"));
+                testing::ElementsAre("fake_tshark.output", "fake_tshark.sh", "tools"));
 }
 
 TEST_F(data_on_windows, writes_the_profile_to_a_file_with_a_name_of_the_code_page) {

@@ -49,12 +49,12 @@ class faults : public TESTING::scratch_test {
     /// The working directory is "work"; tshark stands beside it, where any user reaches it.
     void SetUp() override {
         fs::permissions(".", fs::perms::all);
-        fs::copy(TESTING::stand_in_directory(), "tools");
+        fs::copy(TESTING::fake_tshark_directory(), "tools");
         fs::create_directory("work");
         fs::permissions("work", fs::perms::all);
         fs::current_path("work");
         ASSERT_EQ(init("profile.json"), 0);
-        TESTING::stand_in_prints(one_packet);
+        TESTING::fake_tshark_prints(one_packet);
     }
     void TearDown() override { fs::current_path(scratch()); }
 
@@ -63,10 +63,11 @@ class faults : public TESTING::scratch_test {
             {{"tshark_directory", (scratch() / "tools").string()}, {"file_path", parameter_file}});
     }
 
-    /// The files of the test, without those that the stand-in needs.
+    /// The files of the test, without those that the fake tshark needs.
     static std::vector<std::string> files() {
         auto names = TESTING::names_in(".");
-        std::erase_if(names, [](const std::string& name) { return name.starts_with("stand_in"); });
+        std::erase_if(names,
+                      [](const std::string& name) { return name.starts_with("fake_tshark"); });
         return names;
     }
 
@@ -81,7 +82,7 @@ class faults : public TESTING::scratch_test {
     /// The next record is analysed as if nothing had been.
     void expect_recovery() {
         host_.texts.clear();
-        TESTING::stand_in_prints(one_packet);
+        TESTING::fake_tshark_prints(one_packet);
         EXPECT_EQ(host_.data("lte_rrc", ""), 0);
         EXPECT_EQ(host_.document()["lte-rrc"]["idrx_int"], "1.28");
         EXPECT_EQ(TESTING::read_file("profile.json"),
@@ -95,7 +96,7 @@ class faults : public TESTING::scratch_test {
 // The working directory.
 
 TEST_F(faults, of_a_working_directory_that_is_deleted_while_tshark_runs) {
-    TESTING::stand_in_runs("cat stand_in.output; rm -r \"$PWD\"");
+    TESTING::fake_tshark_runs("cat fake_tshark.output; rm -r \"$PWD\"");
     expect_failure("cannot open file");
     EXPECT_THAT(TESTING::names_in(scratch()), ElementsAre("tools"));
 }
@@ -133,7 +134,7 @@ TEST_F(faults, of_a_full_disk) {
         const fs::path directory = fs::current_path();
         ASSERT_EQ(mount("full", directory.c_str(), "tmpfs", 0, "size=64k"), 0);
         fs::current_path(directory);
-        TESTING::stand_in_prints(one_packet);
+        TESTING::fake_tshark_prints(one_packet);
         std::ofstream filler("filler", std::ios::binary);
         filler << std::string(100'000, 'x') << std::flush;
         ASSERT_FALSE(filler.good());
@@ -204,14 +205,14 @@ TEST_F(faults, of_a_device_without_room_for_the_parameter_file_are_not_told) {
 // tshark and its output.
 
 TEST_F(faults, of_a_tshark_that_is_killed_half_way) {
-    TESTING::stand_in_runs("head -c 60 stand_in.output; kill -9 $$");
+    TESTING::fake_tshark_runs("head -c 60 fake_tshark.output; kill -9 $$");
     expect_failure(HasSubstr("parse_error.101"));
     EXPECT_THAT(files(), IsEmpty());
     expect_recovery();
 }
 
 TEST_F(faults, of_a_tshark_that_hangs_up_after_half_a_document) {
-    TESTING::stand_in_runs("head -c 60 stand_in.output; exec >&-; cat stand_in.output");
+    TESTING::fake_tshark_runs("head -c 60 fake_tshark.output; exec >&-; cat fake_tshark.output");
     expect_failure(HasSubstr("parse_error.101"));
     EXPECT_THAT(files(), IsEmpty());
     expect_recovery();
@@ -232,19 +233,19 @@ TEST_F(faults, of_a_tshark_that_can_not_be_executed) {
 }
 
 TEST_F(faults, of_a_tshark_that_writes_to_stderr_only) {
-    TESTING::stand_in_runs("cat stand_in.output >&2");
+    TESTING::fake_tshark_runs("cat fake_tshark.output >&2");
     expect_failure(HasSubstr("parse_error.101"));
     EXPECT_THAT(files(), IsEmpty());
 }
 
 TEST_F(faults, of_an_output_that_is_a_directory) {
-    TESTING::stand_in_runs("output=$(ls tshark[0-9]*.json); rm $output; mkdir $output");
+    TESTING::fake_tshark_runs("output=$(ls tshark[0-9]*.json); rm $output; mkdir $output");
     expect_failure(HasSubstr("parse_error.101"));
     EXPECT_THAT(files(), IsEmpty());
 }
 
 TEST_F(faults, of_an_output_that_can_not_be_read) {
-    TESTING::stand_in_runs("cat stand_in.output; chmod 000 tshark[0-9]*.json");
+    TESTING::fake_tshark_runs("cat fake_tshark.output; chmod 000 tshark[0-9]*.json");
     {
         const TESTING::ordinary_user user;
         expect_failure("cannot open file");
@@ -254,7 +255,7 @@ TEST_F(faults, of_an_output_that_can_not_be_read) {
 }
 
 TEST_F(faults, of_an_output_that_was_made_a_link_to_nothing) {
-    TESTING::stand_in_runs("output=$(ls tshark[0-9]*.json); ln -sf nowhere $output");
+    TESTING::fake_tshark_runs("output=$(ls tshark[0-9]*.json); ln -sf nowhere $output");
     expect_failure("cannot open file");
     EXPECT_THAT(files(), IsEmpty());
 }
@@ -334,14 +335,14 @@ class open_descriptors {
 };
 
 TEST_F(careless_host, may_have_1000_open_descriptors_of_which_tshark_gets_none) {
-    TESTING::stand_in_runs("ls /proc/$$/fd > stand_in.descriptors; cat stand_in.output");
+    TESTING::fake_tshark_runs("ls /proc/$$/fd > fake_tshark.descriptors; cat fake_tshark.output");
     EXPECT_EQ(host_.data("lte_rrc", ""), 0);
-    const std::string without = TESTING::read_file("stand_in.descriptors");
+    const std::string without = TESTING::read_file("fake_tshark.descriptors");
 
     const limit_guard limit(RLIMIT_NOFILE, 4'096);
     const open_descriptors descriptors(1'000);
     EXPECT_EQ(host_.data("lte_rrc", ""), 0);
-    EXPECT_EQ(TESTING::read_file("stand_in.descriptors"), without);
+    EXPECT_EQ(TESTING::read_file("fake_tshark.descriptors"), without);
     expect_recovery();
 }
 

@@ -25,7 +25,7 @@ std::string router_advertisement() {
 /// What a careless host may hand over. Nothing of it reaches a file.
 class guards : public TESTING::scratch_test {
   protected:
-    void SetUp() override { ASSERT_EQ(host_.init_with_stand_in("profile.json"), 0); }
+    void SetUp() override { ASSERT_EQ(host_.init_with_fake_tshark("profile.json"), 0); }
     void TearDown() override { EXPECT_THAT(TESTING::names_in("."), IsEmpty()); }
 
     std::int32_t data(const kivra_trace_chunk& chunk) {

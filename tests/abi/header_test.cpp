@@ -58,6 +58,19 @@ TEST(header, gives_the_parameter_block_its_layout) {
     EXPECT_EQ(offsetof(kivra_init_parameters, error_callback), 3552U);
 }
 
+TEST(header, has_a_type_for_each_function) {
+    EXPECT_TRUE((std::is_same_v<decltype(kivra_sink_version), kivra_sink_version_function>));
+    EXPECT_TRUE((
+        std::is_same_v<decltype(kivra_sink_init_parameters), kivra_sink_init_parameters_function>));
+    EXPECT_TRUE((std::is_same_v<decltype(kivra_sink_init), kivra_sink_init_function>));
+    EXPECT_TRUE((std::is_same_v<decltype(kivra_sink_data), kivra_sink_data_function>));
+    EXPECT_TRUE(
+        (std::is_same_v<decltype(kivra_sink_get_last_error), kivra_sink_get_last_error_function>));
+    EXPECT_TRUE((std::is_same_v<decltype(kivra_sink_complete), kivra_sink_complete_function>));
+    EXPECT_TRUE((std::is_same_v<decltype(kivra_sink_cancel), kivra_sink_cancel_function>));
+    EXPECT_TRUE((std::is_same_v<decltype(kivra_sink_release), kivra_sink_release_function>));
+}
+
 TEST(header, has_records_of_plain_memory) {
     EXPECT_TRUE(std::is_trivial_v<kivra_trace_chunk>);
     EXPECT_TRUE(std::is_standard_layout_v<kivra_annotated_chunk>);

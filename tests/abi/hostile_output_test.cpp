@@ -28,11 +28,11 @@ std::string nested_arrays(std::size_t depth) {
 /// afterwards, and the next record is analysed as if nothing had been.
 class hostile_output : public TESTING::scratch_test {
   protected:
-    void SetUp() override { ASSERT_EQ(host_.init_with_stand_in("profile.json"), 0); }
+    void SetUp() override { ASSERT_EQ(host_.init_with_fake_tshark("profile.json"), 0); }
     void TearDown() override {
         expect_no_working_files();
         host_.texts.clear();
-        TESTING::stand_in_prints(nas_packet(R"({"PDN address": {"a": "b"}})"));
+        TESTING::fake_tshark_prints(nas_packet(R"({"PDN address": {"a": "b"}})"));
         EXPECT_EQ(host_.data("nas-eps", ""), 0);
         EXPECT_EQ(host_.document()["nas-eps"]["pdn"]["a"], "b");
         expect_no_working_files();
@@ -40,12 +40,12 @@ class hostile_output : public TESTING::scratch_test {
 
     static void expect_no_working_files() {
         for (const auto& name : TESTING::names_in(".")) {
-            EXPECT_TRUE(name.starts_with("stand_in")) << name;
+            EXPECT_TRUE(name.starts_with("fake_tshark")) << name;
         }
     }
 
     void expect_failure(const std::string& output, const std::string& reason) {
-        TESTING::stand_in_prints(output);
+        TESTING::fake_tshark_prints(output);
         EXPECT_EQ(host_.data("nas-eps", ""), 100);
         EXPECT_THAT(host_.last_error().first, HasSubstr(reason));
         EXPECT_EQ(host_.last_error().second, 100U);
@@ -57,7 +57,7 @@ class hostile_output : public TESTING::scratch_test {
 };
 
 TEST_F(hostile_output, may_be_nested_as_deeply_as_the_limit) {
-    TESTING::stand_in_prints(nested_arrays(1'000));
+    TESTING::fake_tshark_prints(nested_arrays(1'000));
     EXPECT_EQ(host_.data("nas-eps", ""), 0);
 }
 
@@ -66,7 +66,7 @@ TEST_F(hostile_output, is_copied_and_handed_back_when_nested_as_deeply_as_the_li
     for (int level = 0; level < 995; ++level) {
         subtree.insert(0, R"({"a":)").append("}");
     }
-    TESTING::stand_in_prints(nas_packet(R"({"PDN address": )" + subtree + "}"));
+    TESTING::fake_tshark_prints(nas_packet(R"({"PDN address": )" + subtree + "}"));
     EXPECT_EQ(host_.data("nas-eps", ""), 0);
     EXPECT_EQ(host_.document()["nas-eps"]["pdn"], json::parse(subtree));
 }
@@ -99,7 +99,7 @@ TEST_F(hostile_output, fails_with_a_number_beyond_all_bounds) {
 }
 
 TEST_F(hostile_output, keeps_a_number_with_many_digits_as_a_floating_one) {
-    TESTING::stand_in_prints(
+    TESTING::fake_tshark_prints(
         nas_packet(R"({"PDN address": {"a": )" + std::string(300, '9') + "}}"));
     EXPECT_EQ(host_.data("nas-eps", ""), 0);
     EXPECT_EQ(host_.document()["nas-eps"]["pdn"]["a"], 1e300);
@@ -118,7 +118,7 @@ TEST_F(hostile_output, fails_where_a_text_stands_in_place_of_an_object_and_the_r
     expect_failure(nas_packet(R"({"EPS mobile identity - GUTI": {"e212.gummei.mcc": {},)"
                               R"("e212.gummei.mnc": "1"}})"),
                    "type must be string, but is object");
-    TESTING::stand_in_prints(nas_packet(R"("a text")"));
+    TESTING::fake_tshark_prints(nas_packet(R"("a text")"));
     EXPECT_EQ(host_.data("nas-eps", ""), 0);
 }
 
@@ -135,15 +135,15 @@ TEST_F(hostile_output, fails_with_something_behind_the_document) {
 }
 
 TEST_F(hostile_output, may_be_100_mebibytes_long) {
-    TESTING::stand_in_runs(R"(printf '[{"_source": {"layers": {"nas-eps": {"filler": "'; )"
-                           R"(head -c 104857600 /dev/zero | tr '\0' x; )"
-                           R"(printf '", "PDN address": {"a": "found"}}}}}]')");
+    TESTING::fake_tshark_runs(R"(printf '[{"_source": {"layers": {"nas-eps": {"filler": "'; )"
+                              R"(head -c 104857600 /dev/zero | tr '\0' x; )"
+                              R"(printf '", "PDN address": {"a": "found"}}}}}]')");
     EXPECT_EQ(host_.data("nas-eps", ""), 0);
     EXPECT_EQ(host_.document()["nas-eps"]["pdn"]["a"], "found");
 }
 
 TEST_F(hostile_output, fails_when_it_is_100_mebibytes_of_zeros) {
-    TESTING::stand_in_runs("head -c 104857600 /dev/zero");
+    TESTING::fake_tshark_runs("head -c 104857600 /dev/zero");
     EXPECT_EQ(host_.data("nas-eps", ""), 100);
     EXPECT_THAT(host_.last_error().first, HasSubstr("parse_error.101"));
 }

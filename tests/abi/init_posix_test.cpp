@@ -1,3 +1,6 @@
+#include <malloc.h>
+
+#include <cstddef>
 #include <filesystem>
 #include <string>
 
@@ -17,6 +20,14 @@ using testing::HasSubstr;
 using TESTING::host;
 using testing::Pair;
 
+constexpr std::size_t kib_64 = 65'536;
+
+/// Nought under the address sanitizer.
+std::size_t heap_in_use() {
+    const auto heap = mallinfo2();
+    return heap.uordblks + heap.hblkhd;
+}
+
 class init_on_posix : public TESTING::scratch_test {
   protected:
     host host_;
@@ -26,8 +37,16 @@ TEST_F(init_on_posix, fails_where_the_working_directory_is_gone) {
     fs::create_directory("gone");
     fs::current_path("gone");
     fs::remove(scratch() / "gone");
-    EXPECT_EQ(host_.init_with_stand_in(), 1);
+    EXPECT_EQ(host_.init_with_fake_tshark(), 1);
     EXPECT_THAT(host_.init_errors, ElementsAre(Pair(HasSubstr("current_path()"), 1U)));
+}
+
+TEST_F(init_on_posix, takes_less_than_64_kib_for_each_further_context) {
+    ASSERT_EQ(host_.init_with_fake_tshark(), 0);
+    host other;
+    const auto before = heap_in_use();
+    EXPECT_EQ(other.init_with_fake_tshark(), 0);
+    EXPECT_LT(heap_in_use(), before + kib_64);
 }
 
 TEST_F(init_on_posix, searches_program_files_alone_when_path_is_empty) {
@@ -47,8 +66,19 @@ TEST_F(init_on_posix, fails_where_the_executable_cannot_be_queried) {
 
 TEST_F(init_on_posix, fails_where_a_name_for_the_output_cannot_be_queried) {
     TESTING::enter_deep_directory();
-    EXPECT_EQ(host_.init_with_stand_in(), 1);
+    EXPECT_EQ(host_.init_with_fake_tshark(), 1);
     EXPECT_THAT(host_.init_errors, ElementsAre(Pair(HasSubstr("exists"), 1U)));
+}
+
+class unloading_on_posix : public TESTING::scratch_test {};
+
+TEST_F(unloading_on_posix, frees_the_operator_list) {
+    const auto before = heap_in_use();
+    {
+        host own;
+        EXPECT_EQ(own.init_with_fake_tshark(), 0);
+    }
+    EXPECT_LT(heap_in_use(), before + kib_64);
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ TEST_F(init_on_windows, fails_where_the_executable_cannot_be_queried) {
 TEST_F(init_on_windows, finds_an_installation_in_program_files_that_then_works) {
     const TESTING::installation installation;
     TESTING::set_environment("PATH", R"(C:\Windows;C:\Windows\system32)");
-    TESTING::stand_in_prints("[]");
+    TESTING::fake_tshark_prints("[]");
     ASSERT_EQ(host_.init({}), 0);
     EXPECT_EQ(host_.data("nas-eps", ""), 0) << host_.last_error().first;
     EXPECT_EQ(host_.logs.size(), 1U);

@@ -1,4 +1,4 @@
-// What stands in the plug-in's file beside its code.
+// The parts of the plug-in's file other than its code.
 #include <windows.h>
 
 #include <string>
@@ -27,7 +27,7 @@ class plugin_file : public testing::Test {
     }
     void TearDown() override { FreeLibrary(module_); }
 
-    /// What stands at an offset of the loaded file.
+    /// What the loaded file holds at an offset.
     template <typename T>
     const T* at(DWORD offset) const {
         return reinterpret_cast<const T*>(reinterpret_cast<const char*>(module_) + offset);

@@ -60,12 +60,12 @@ holdings held() {
 
 class soak : public TESTING::scratch_test {
   protected:
-    void SetUp() override { ASSERT_EQ(host_.init_with_stand_in("profile.json"), 0); }
+    void SetUp() override { ASSERT_EQ(host_.init_with_fake_tshark("profile.json"), 0); }
 
     void run(std::size_t calls) {
         for (std::size_t call = 0; call < calls; ++call) {
             const soak_record& record = records[call % records.size()];
-            TESTING::stand_in_runs(record.script);
+            TESTING::fake_tshark_runs(record.script);
             EXPECT_EQ(host_.data(record.format, "payload"), record.result) << record.script;
             forget();
         }
@@ -88,7 +88,7 @@ TEST_F(soak, of_2000_records_good_and_bad_leaves_nothing_behind) {
     EXPECT_LT(after.heap, before.heap + 4'096);
     EXPECT_EQ(after.descriptors, before.descriptors);
     EXPECT_EQ(after.files, before.files);
-    EXPECT_THAT(after.files, ElementsAre("profile.json", "stand_in.sh"));
+    EXPECT_THAT(after.files, ElementsAre("fake_tshark.sh", "profile.json"));
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
     EXPECT_EQ(errno, ECHILD);
 }

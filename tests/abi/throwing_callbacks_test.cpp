@@ -26,7 +26,7 @@ class throwing_callbacks : public TESTING::scratch_test {
   protected:
     void expect_no_working_files() {
         for (const auto& name : TESTING::names_in(".")) {
-            EXPECT_TRUE(name.starts_with("stand_in")) << name;
+            EXPECT_TRUE(name.starts_with("fake_tshark")) << name;
         }
     }
 
@@ -57,14 +57,14 @@ TEST_F(throwing_callbacks, of_init_errors_give_1) {
 }
 
 TEST_F(throwing_callbacks, of_the_last_error_are_swallowed) {
-    ASSERT_EQ(host_.init_with_stand_in(), 0);
+    ASSERT_EQ(host_.init_with_fake_tshark(), 0);
     host_.exports.get_last_error(host_.context, nullptr,
                                  [](void*, const kivra_error*) { throw_anything(); });
 }
 
 TEST_F(throwing_callbacks, of_chunks_fail_the_record) {
-    TESTING::stand_in_prints(one_packet);
-    ASSERT_EQ(host_.init_with_stand_in(), 0);
+    TESTING::fake_tshark_prints(one_packet);
+    ASSERT_EQ(host_.init_with_fake_tshark(), 0);
     host_.on_chunk = [](const kivra_annotated_chunk&) { throw std::runtime_error("host is full"); };
     EXPECT_EQ(host_.data("lte_rrc", ""), 100);
     EXPECT_EQ(host_.last_error(), error_entry("host is full", 100U));
@@ -75,7 +75,7 @@ TEST_F(throwing_callbacks, of_chunks_fail_the_record) {
 }
 
 TEST_F(throwing_callbacks, of_chunks_fail_an_ip_record) {
-    ASSERT_EQ(host_.init_with_stand_in(), 0);
+    ASSERT_EQ(host_.init_with_fake_tshark(), 0);
     host_.on_chunk = [](const kivra_annotated_chunk&) { throw std::runtime_error("host is full"); };
     std::string packet(88, '\0');
     packet[6] = 58;
@@ -85,8 +85,8 @@ TEST_F(throwing_callbacks, of_chunks_fail_an_ip_record) {
 }
 
 TEST_F(throwing_callbacks, of_the_log_fail_the_record_wherever_it_logs) {
-    TESTING::stand_in_prints(one_packet);
-    ASSERT_EQ(host_.init_with_stand_in(), 0);
+    TESTING::fake_tshark_prints(one_packet);
+    ASSERT_EQ(host_.init_with_fake_tshark(), 0);
     host_.on_log = [] { throw std::runtime_error("log is full"); };
     EXPECT_EQ(host_.data("lte_rrc", ""), 100);
     EXPECT_EQ(host_.logs.back().message, "99 mapping not found");

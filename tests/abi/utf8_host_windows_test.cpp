@@ -47,10 +47,10 @@ TEST_F(utf8_host, cannot_give_a_path_that_is_no_utf8) {
 TEST_F(utf8_host, works_in_folders_with_names_of_every_alphabet) {
     const fs::path directory = scratch() / L"\u00E4 \u4E2D & \u0416";
     fs::create_directories(directory / "tools" / "Wireshark");
-    fs::copy_file(TESTING::stand_in_directory() / "tshark.exe",
+    fs::copy_file(TESTING::fake_tshark_directory() / "tshark.exe",
                   directory / "tools" / "Wireshark" / "tshark.exe");
     fs::current_path(directory);
-    TESTING::stand_in_prints(R"([{"_source": {"layers": {"lte_rrc": {
+    TESTING::fake_tshark_prints(R"([{"_source": {"layers": {"lte_rrc": {
         "lte-rrc.defaultPagingCycle": "2", "lte-rrc.mpdcch_NumRepetition_Paging_r13": "4"}}}}])");
     TESTING::set_environment("PATH", TESTING::narrow_text(directory / "tools"));
     const fs::path profile = directory / L"\u03C0.json";

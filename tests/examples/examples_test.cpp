@@ -69,8 +69,8 @@ TEST_P(examples, tell_why_the_plugin_can_not_start) {
 }
 
 TEST_P(examples, tell_why_a_record_failed) {
-    stand_in_prints("no JSON");
-    const auto result = run(plugin_file(), stand_in_directory());
+    fake_tshark_prints("no JSON");
+    const auto result = run(plugin_file(), fake_tshark_directory());
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.output, description());
     EXPECT_THAT(result.error, HasSubstr("[json.exception.parse_error.101]"));

@@ -251,6 +251,14 @@ TEST(operator_lookup, stops_at_the_match) {
     EXPECT_EQ(find_operator(operators, 262, 1), &operators.front());
 }
 
+TEST(built_in_operator_list, is_the_shipped_one) {
+    EXPECT_EQ(*built_in_operators(), shipped_operators());
+}
+
+TEST(built_in_operator_list, is_read_once_and_shared) {
+    EXPECT_EQ(built_in_operators(), built_in_operators());
+}
+
 TEST(operator_loading, keeps_the_entries_as_they_stand_and_in_their_order) {
     EXPECT_THAT(load_operators(R"([{"b": 1}, {"a": null}, 3])"),
                 ElementsAre(json{{"b", 1}}, json{{"a", nullptr}}, json(3)));

@@ -145,10 +145,21 @@ TEST_F(result_mapping, carries_the_pdn_before_the_timers_and_t3412_before_t3324)
     EXPECT_EQ(context_.texts.t3412_extended_bitmask, "01000111");
 }
 
-TEST_F(result_mapping, gives_a_timer_without_bitmask_a_null_one_and_fails) {
-    EXPECT_THAT([this] { carry(R"({"nas-eps": {"gprs_timer_2_T3324_value": {"value": 1}}})"); },
-                ThrowsMessage<json::type_error>(HasSubstr("type must be string, but is null")));
-    EXPECT_TRUE(result_["nas-eps"]["gprs_timer_2_T3324_value"].contains("bitmask"));
+TEST_F(result_mapping, refuses_a_timer_without_bitmask_and_leaves_the_result_as_it_is) {
+    for (const char* timer : {R"({"value": 1})", "{}", "null"}) {
+        const json result{{"nas-eps", {{"gprs_timer_2_T3324_value", json::parse(timer)}}}};
+        EXPECT_THAT([&] { carry(result.dump().c_str()); },
+                    ThrowsMessage<json::type_error>(
+                        "[json.exception.type_error.302] type must be string, but is null"))
+            << timer;
+        EXPECT_EQ(result_, result);
+    }
+}
+
+TEST_F(result_mapping, refuses_a_timer_that_is_no_object) {
+    EXPECT_THAT([this] { carry(R"({"nas-eps": {"gprs_timer_2_T3324_value": "00000101"}})"); },
+                ThrowsMessage<json::type_error>("[json.exception.type_error.305] cannot use "
+                                                "operator[] with a string argument with string"));
 }
 
 TEST_F(result_mapping, writes_again_after_every_accepted_packet) {

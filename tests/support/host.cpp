@@ -41,17 +41,17 @@ std::filesystem::path tshark_directory() {
     return KIVRA_TSHARK;
 }
 
-std::filesystem::path stand_in_directory() {
-    return KIVRA_STAND_IN;
+std::filesystem::path fake_tshark_directory() {
+    return KIVRA_FAKE_TSHARK;
 }
 
-void stand_in_runs(std::string_view script) {
-    write_file("stand_in.sh", script);
+void fake_tshark_runs(std::string_view script) {
+    write_file("fake_tshark.sh", script);
 }
 
-void stand_in_prints(std::string_view output) {
-    write_file("stand_in.output", output);
-    stand_in_runs("cat stand_in.output\n");
+void fake_tshark_prints(std::string_view output) {
+    write_file("fake_tshark.output", output);
+    fake_tshark_runs("cat fake_tshark.output\n");
 }
 
 sink_exports::sink_exports(const shared_library& library)
@@ -91,8 +91,8 @@ std::int32_t host::init(const parameter_list& parameters) {
     return exports.init(&context, &parameter_block);
 }
 
-std::int32_t host::init_with_stand_in(const std::filesystem::path& parameter_file) {
-    return init({{"tshark_directory", narrow_text(stand_in_directory())},
+std::int32_t host::init_with_fake_tshark(const std::filesystem::path& parameter_file) {
+    return init({{"tshark_directory", narrow_text(fake_tshark_directory())},
                  {"file_path", narrow_text(parameter_file)}});
 }
 

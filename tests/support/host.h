@@ -24,14 +24,14 @@ std::filesystem::path plugin_file();
 /// The folder of the real tshark.
 std::filesystem::path tshark_directory();
 
-/// The folder whose tshark.exe runs the script "stand_in.sh" of the working directory.
-std::filesystem::path stand_in_directory();
+/// The folder whose tshark.exe runs the script "fake_tshark.sh" of the working directory.
+std::filesystem::path fake_tshark_directory();
 
-/// Makes the stand-in run this script (sh). Its arguments are tshark's: the capture is "$4".
-void stand_in_runs(std::string_view script);
+/// Makes the fake tshark run this script (sh). Its arguments are tshark's: the capture is "$4".
+void fake_tshark_runs(std::string_view script);
 
-/// Makes the stand-in print this text.
-void stand_in_prints(std::string_view output);
+/// Makes the fake tshark print this text.
+void fake_tshark_prints(std::string_view output);
 
 /// The eight exports.
 struct sink_exports {
@@ -62,7 +62,7 @@ class host {
     kivra_init_parameters block(const parameter_list& parameters);
 
     std::int32_t init(const parameter_list& parameters);
-    std::int32_t init_with_stand_in(const std::filesystem::path& parameter_file = {});
+    std::int32_t init_with_fake_tshark(const std::filesystem::path& parameter_file = {});
     std::int32_t data(const std::string& format, std::string_view payload,
                       std::uint64_t timestamp = 0);
     error_entry last_error();

@@ -7,12 +7,13 @@
 
 namespace KIVRA::TSHARK::TESTING {
 
-/// Makes C:\Program Files\Wireshark with the stand-in as its tshark.exe, and removes it.
+/// Makes C:\Program Files\Wireshark with the fake tshark as its tshark.exe, and removes it.
 class installation {
   public:
     installation() {
         std::filesystem::create_directory(directory);
-        std::filesystem::copy_file(stand_in_directory() / "tshark.exe", directory / "tshark.exe");
+        std::filesystem::copy_file(fake_tshark_directory() / "tshark.exe",
+                                   directory / "tshark.exe");
     }
     ~installation() {
         std::error_code ignored;

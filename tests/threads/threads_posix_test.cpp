@@ -1,3 +1,4 @@
+#include <barrier>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -13,7 +14,8 @@ namespace {
 namespace fs = std::filesystem;
 using TESTING::host;
 
-/// A tshark that prints one packet with an access point's name of its own.
+/// A tshark that prints one packet with an access point's name of its own and the first network of
+/// the operator list.
 void make_tshark(const fs::path& directory, const std::string& name) {
     fs::create_directory(directory);
     TESTING::write_file(
@@ -21,7 +23,10 @@ void make_tshark(const fs::path& directory, const std::string& name) {
         "#!/bin/sh\n"
         R"(echo '[{"_source": {"layers": {"nas-eps": {"ESM message container": )"
         R"({"nas_eps.emm.esm_msg_cont_tree": {"Access Point Name": {"gsm_a.gm.sm.apn": ")" +
-            name + R"("}}}, "PDN address": {"a": ")" + name + "\"}}}}}]'\n");
+            name + R"("}}}, "PDN address": {"a": ")" + name +
+            R"("}, "EPS mobile identity - GUTI": )"
+            R"({"e212.gummei.mcc": "289", "e212.gummei.mnc": "67"}}}}}]')"
+            "\n");
     fs::permissions(directory / "tshark.exe", fs::perms::owner_all);
 }
 
@@ -33,6 +38,7 @@ void use_a_context(const std::string& name) {
         own.texts.clear();
         ASSERT_EQ(own.data("nas-eps", "payload"), 0);
         EXPECT_EQ(own.document()["nas-eps"]["apn"].get<std::string>(), name);
+        EXPECT_EQ(own.document()["nas-eps"]["mcc"], "Abkhazia");
         EXPECT_EQ(own.data(std::string("lte_rrc") + std::string(70'000, 'x'), ""), 100);
         EXPECT_EQ(own.last_error().first, "format of a record is longer than 65532 bytes");
         EXPECT_EQ(own.exports.version(nullptr, nullptr), 0);
@@ -50,6 +56,23 @@ TEST_F(threads, may_use_two_contexts_at_once) {
     first.join();
     second.join();
     EXPECT_EQ(TESTING::names_in("."), (std::vector<std::string>{"first", "second"}));
+}
+
+TEST_F(threads, may_make_their_contexts_at_once) {
+    make_tshark("tools", "any");
+    std::barrier both_ready(2);
+    const auto make_a_context = [&both_ready](host& own) {
+        both_ready.arrive_and_wait();
+        EXPECT_EQ(own.init({{"tshark_directory", "tools"}}), 0);
+    };
+    host one;
+    host other;
+    std::thread first([&] { make_a_context(one); });
+    std::thread second([&] { make_a_context(other); });
+    first.join();
+    second.join();
+    EXPECT_NE(one.context, nullptr);
+    EXPECT_NE(other.context, nullptr);
 }
 
 }  // namespace

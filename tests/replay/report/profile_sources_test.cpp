@@ -35,7 +35,7 @@ TEST(profile_source, is_the_last_record_that_gave_the_value) {
                     Pair("cdrx_on_duration", 1U), Pair("idrx_int", 3U), Pair("idrx_reps", 4U)));
 }
 
-TEST(profile_source, of_power_saving_is_both_timers_or_none) {
+TEST(profile_source, of_psm_is_both_timers_or_none) {
     profile_sources sources;
     sources.follow(1, t3324);
     sources.follow(2, paging);
