@@ -47,14 +47,14 @@ nlohmann::json parse_output(const std::string& text) {
 
 std::string number_repeated_names(std::string text) {
     constexpr std::string_view name = R"("gsm_a.gm.sm.pco_pid_tree")";
-    if (text.find(name) == std::string::npos) {
+    std::size_t found = text.find(name);
+    if (found == std::string::npos) {
         return text;
     }
     std::string numbered;
     std::uint8_t counter = 0;
     std::size_t copied = 0;
-    for (std::size_t found = text.find(name); found != std::string::npos;
-         found = text.find(name, copied)) {
+    for (; found != std::string::npos; found = text.find(name, copied)) {
         ++counter;
         // The closing quote is left to the next search: it may open the next occurrence.
         const std::size_t closing_quote = found + name.size() - 1;

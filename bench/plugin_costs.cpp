@@ -32,6 +32,8 @@ constexpr auto profile_file = "profile.json";
 
 constexpr auto usage =
     "plugin_costs data PLUGIN TSHARK_DIRECTORY PAIRS CAPTURE RECORD   a data call, bare tshark\n"
+    "plugin_costs session PLUGIN TSHARK_DIRECTORY TURNS CAPTURE RECORD\n"
+    "                                                 bare tshark, 50 data calls in a session\n"
     "plugin_costs init PLUGIN TSHARK_DIRECTORY TURNS                  first init, second init,\n"
     "                                                                 parsing the operators\n"
     "plugin_costs heap PLUGIN TSHARK_DIRECTORY                        bytes that the first and "
@@ -58,29 +60,60 @@ REPLAY::trace_record record_of(REPLAY::capture& source, int number) {
     return *found;
 }
 
+void run_record(REPLAY::plugin_sink& target, const REPLAY::trace_record& record) {
+    target.submit(record, [](const REPLAY::trace_record&, const REPLAY::outcome& result) {
+        if (result.failure) {
+            throw std::runtime_error(result.failure->text);
+        }
+    });
+}
+
+void write_capture(const char* file, const REPLAY::trace_record& record) {
+    PLATFORM::write_file(
+        file, ANALYSIS::pcapng_head() +
+                  ANALYSIS::pcapng_packet(record.format, record.payload, record.timestamp));
+}
+
+constexpr auto bare_capture = "bare.pcapng";
+constexpr auto bare_output = "bare.json";
+
 void compare_data_calls(const std::shared_ptr<const REPLAY::plugin>& loaded,
                         const char* tshark_directory, int pairs, const char* capture_file,
                         int record_number) {
     REPLAY::capture source(capture_file);
     const auto record = record_of(source, record_number);
-    constexpr auto image = "bare.pcapng";
-    PLATFORM::write_file(
-        image, ANALYSIS::pcapng_head() +
-                   ANALYSIS::pcapng_packet(record.format, record.payload, record.timestamp));
+    write_capture(bare_capture, record);
     const auto tshark = SINK::tshark_executable(tshark_directory);
     REPLAY::plugin_sink target(loaded, tshark_directory, profile_file);
 
-    const auto data_call = [&] {
-        if (const auto outcome = target.run(record); outcome.failure) {
-            throw std::runtime_error(outcome.failure->text);
-        }
-    };
-    const auto bare = [&] { BENCH::run_bare_tshark(tshark, image, "bare.json"); };
+    const auto data_call = [&] { run_record(target, record); };
+    const auto bare = [&] { BENCH::run_bare_tshark(tshark, bare_capture, bare_output); };
     data_call();
     bare();
     for (int i = 0; i < pairs; ++i) {
         const auto data_time = nanoseconds_of(data_call);
         std::cout << data_time << ' ' << nanoseconds_of(bare) << std::endl;
+    }
+}
+
+/// The session's start is not timed.
+void compare_session(const std::shared_ptr<const REPLAY::plugin>& loaded,
+                     const char* tshark_directory, int turns, const char* capture_file,
+                     int record_number) {
+    constexpr int calls_a_turn = 50;
+    REPLAY::capture source(capture_file);
+    const auto record = record_of(source, record_number);
+    write_capture(bare_capture, record);
+    const auto tshark = SINK::tshark_executable(tshark_directory);
+    REPLAY::plugin_sink target(loaded, tshark_directory, profile_file, true);
+    run_record(target, record);
+    for (int i = 0; i < turns; ++i) {
+        std::cout << nanoseconds_of(
+            [&] { BENCH::run_bare_tshark(tshark, bare_capture, bare_output); });
+        for (int call = 0; call < calls_a_turn; ++call) {
+            std::cout << ' ' << nanoseconds_of([&] { run_record(target, record); });
+        }
+        std::cout << std::endl;
     }
 }
 
@@ -123,6 +156,9 @@ int run(int count, char** arguments) {
     if (what == "data" && count == 7) {
         compare_data_calls(std::make_shared<REPLAY::plugin>(arguments[2]), arguments[3],
                            std::stoi(arguments[4]), arguments[5], std::stoi(arguments[6]));
+    } else if (what == "session" && count == 7) {
+        compare_session(std::make_shared<REPLAY::plugin>(arguments[2]), arguments[3],
+                        std::stoi(arguments[4]), arguments[5], std::stoi(arguments[6]));
     } else if (what == "init" && count == 5) {
         compare_inits(arguments[2], arguments[3], std::stoi(arguments[4]));
     } else if (what == "heap" && count == 4) {

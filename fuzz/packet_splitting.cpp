@@ -56,7 +56,8 @@ void check_packet(const split_packet& packet, std::string_view output) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FuzzedDataProvider input(data, size);
-    const auto sizes = input.ConsumeBytes<std::uint8_t>(input.ConsumeIntegralInRange(0, 16));
+    const auto sizes =
+        input.ConsumeBytes<std::uint8_t>(input.ConsumeIntegralInRange<std::size_t>(0, 16));
     const std::string output = input.ConsumeRemainingBytesAsString();
 
     const auto whole = split(output, [&] { return output.size(); });

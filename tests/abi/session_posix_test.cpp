@@ -247,9 +247,10 @@ TEST_F(sessions, that_never_read_end_with_the_next_record_or_the_release) {
     }
 }
 
-TEST_F(sessions, take_a_record_and_a_dissection_larger_than_any_pipe) {
-    const std::string payload(10'000'000, '\x07');
+TEST_F(sessions, take_a_record_that_is_larger_than_a_pipe) {
+    const std::string payload(250'000, '\x07');
     ASSERT_EQ(host_.data("nas-eps", payload), 0) << host_.last_error().first;
+    EXPECT_THAT(host_.messages(), IsEmpty());
     const auto texts = host_.texts;
     expect_result();
     EXPECT_THAT(started(), SizeIs(1));
@@ -259,6 +260,21 @@ TEST_F(sessions, take_a_record_and_a_dissection_larger_than_any_pipe) {
     ASSERT_EQ(init("off"), 0);
     ASSERT_EQ(host_.data("nas-eps", payload), 0);
     EXPECT_EQ(host_.texts, texts);
+}
+
+TEST_F(sessions, give_a_record_that_tshark_can_not_read_what_it_gets_alone) {
+    // More than tshark takes for a packet.
+    const std::string payload(10'000'000, '\x07');
+    EXPECT_EQ(host_.data("nas-eps", payload), 0);
+    EXPECT_THAT(host_.messages(), ElementsAre(session_ended));
+    EXPECT_THAT(host_.texts, IsEmpty());
+    expect_result();
+
+    host_.release();
+    host_.texts.clear();
+    ASSERT_EQ(init("off"), 0);
+    EXPECT_EQ(host_.data("nas-eps", payload), 0);
+    EXPECT_THAT(host_.texts, IsEmpty());
 }
 
 TEST_F(sessions, give_records_a_tshark_of_their_own_where_there_is_no_program) {

@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/bytes.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
 
@@ -71,13 +72,12 @@ class soak : public TESTING::scratch_test {
         }
     }
 
-    host host_;
-
-  private:
     void forget() {
         host_.logs = {};
         host_.texts = {};
     }
+
+    host host_;
 };
 
 TEST_F(soak, of_2000_records_good_and_bad_leaves_nothing_behind) {
@@ -89,6 +89,35 @@ TEST_F(soak, of_2000_records_good_and_bad_leaves_nothing_behind) {
     EXPECT_EQ(after.descriptors, before.descriptors);
     EXPECT_EQ(after.files, before.files);
     EXPECT_THAT(after.files, ElementsAre("fake_tshark.sh", "profile.json"));
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_F(soak, of_2000_records_in_a_session_leaves_nothing_behind) {
+    host_.release();
+    ASSERT_EQ(host_.init({{"tshark_directory", TESTING::tshark_directory().string()},
+                          {"file_path", "profile.json"},
+                          {"tshark_session", "on"}}),
+              0);
+    const auto messages = TESTING::read_json(TESTING::data_file("rrc_messages.json"));
+    const auto run_all = [&] {
+        for (const auto& message : messages) {
+            EXPECT_EQ(
+                host_.data(message["format"], TESTING::bytes_of(message["hex"].get<std::string>())),
+                0);
+            forget();
+        }
+    };
+    run_all();
+    const holdings before = held();
+    for (std::size_t count = 0; count < 2'000; count += messages.size()) {
+        run_all();
+    }
+    const holdings after = held();
+    EXPECT_LT(after.heap, before.heap + 4'096);
+    EXPECT_EQ(after.descriptors, before.descriptors);
+    EXPECT_THAT(after.files, ElementsAre("profile.json"));
+    host_.release();
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
     EXPECT_EQ(errno, ECHILD);
 }

@@ -15,11 +15,13 @@ namespace KIVRA::TSHARK::ANALYSIS {
 namespace {
 
 using nlohmann::json;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::IsEmpty;
 using TESTING::log_recorder;
-using testing::MatchesRegex;
 using testing::SizeIs;
+using testing::StartsWith;
 
 /// Prints the same output for every record, or nothing at all.
 class fixed_source final : public dissection_source {
@@ -90,7 +92,8 @@ TEST_F(analysis_run, delivers_what_tshark_shows_and_logs_how_long_that_took) {
     ASSERT_THAT(log_.entries, SizeIs(1));
     EXPECT_EQ(log_.entries.front().level, 3U);
     EXPECT_EQ(log_.entries.front().caller, &context_);
-    EXPECT_THAT(log_.entries.front().message, MatchesRegex("tshark processing took: [0-9]+ms"));
+    EXPECT_THAT(log_.entries.front().message,
+                AllOf(StartsWith("tshark processing took: "), EndsWith("ms")));
 }
 
 TEST_F(analysis_run, delivers_no_empty_document) {

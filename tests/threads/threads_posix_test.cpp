@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/bytes.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
 
@@ -56,6 +57,28 @@ TEST_F(threads, may_use_two_contexts_at_once) {
     first.join();
     second.join();
     EXPECT_EQ(TESTING::names_in("."), (std::vector<std::string>{"first", "second"}));
+}
+
+/// Analyses a message over and over with the real tshark, one for all rounds.
+void use_a_session() {
+    host own;
+    ASSERT_EQ(own.init({{"tshark_directory", TESTING::tshark_directory().string()},
+                        {"tshark_session", "on"}}),
+              0);
+    for (int round = 0; round < 50; ++round) {
+        own.texts.clear();
+        ASSERT_EQ(own.data("lte_rrc.ul_ccch", TESTING::bytes_of("4c8c2e65e9a6")), 0);
+        EXPECT_EQ(own.document()["lte-rrc"]["connection_state"], "rrcConnectionRequest");
+    }
+    EXPECT_EQ(own.release(), 0);
+}
+
+TEST_F(threads, may_use_two_sessions_at_once) {
+    std::thread first(use_a_session);
+    std::thread second(use_a_session);
+    first.join();
+    second.join();
+    EXPECT_TRUE(TESTING::names_in(".").empty());
 }
 
 TEST_F(threads, may_make_their_contexts_at_once) {

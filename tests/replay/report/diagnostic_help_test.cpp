@@ -1,5 +1,7 @@
 #include "replay/report/diagnostic_help.h"
 
+#include <ostream>
+
 #include <gmock/gmock.h>
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -11,6 +13,11 @@ struct help_case {
     const char* text;
     const char* words;
 };
+
+// NOLINTNEXTLINE(readability-identifier-naming): GoogleTest looks for this name
+void PrintTo(const help_case& tried, std::ostream* stream) {
+    *stream << tried.text;
+}
 
 class help_for_failed_analyses : public testing::TestWithParam<help_case> {};
 
