@@ -1,6 +1,6 @@
 /* The host of docs/host-guide.md: sends one record through the plug-in.
  *
- *     host PLUGIN TSHARK_DIRECTORY PROFILE
+ *     host PLUGIN TSHARK_DIRECTORY PROFILE [TSHARK_SESSION]
  */
 #include <stdio.h>
 #include <string.h>
@@ -53,8 +53,9 @@ static void on_chunk(void* user_data, const kivra_annotated_chunk* chunk) {
 }
 /* [/callbacks] */
 
-/* [session] */
-static int run_session(void* library, const char* tshark_directory, const char* profile) {
+/* [run] */
+static int run(void* library, const char* tshark_directory, const char* profile,
+               const char* tshark_session) {
     kivra_sink_init_function* init = NULL;
     kivra_sink_data_function* data = NULL;
     kivra_sink_get_last_error_function* get_last_error = NULL;
@@ -74,7 +75,9 @@ static int run_session(void* library, const char* tshark_directory, const char* 
     parameters.entries[0].value = tshark_directory;
     parameters.entries[1].key = "file_path";
     parameters.entries[1].value = profile;
-    parameters.count = 2;
+    parameters.entries[2].key = "tshark_session";
+    parameters.entries[2].value = tshark_session; /* "on": one tshark for all records */
+    parameters.count = 3;
     parameters.log_callback = on_log;
     parameters.error_user_data = "init";
     parameters.error_callback = on_error;
@@ -100,13 +103,13 @@ static int run_session(void* library, const char* tshark_directory, const char* 
     release(context);
     return result == KIVRA_RESULT_SUCCESS ? 0 : 1;
 }
-/* [/session] */
+/* [/run] */
 
 int main(int count, char** arguments) {
-    void* const library = count == 4 ? load(arguments[1]) : NULL;
+    void* const library = count == 4 || count == 5 ? load(arguments[1]) : NULL;
     if (library == NULL) {
-        fprintf(stderr, "host PLUGIN TSHARK_DIRECTORY PROFILE\n");
+        fprintf(stderr, "host PLUGIN TSHARK_DIRECTORY PROFILE [TSHARK_SESSION]\n");
         return 1;
     }
-    return run_session(library, arguments[2], arguments[3]);
+    return run(library, arguments[2], arguments[3], count == 5 ? arguments[4] : "off");
 }

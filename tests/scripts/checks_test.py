@@ -130,6 +130,9 @@ class documents(scratch_tree):
         self.assertEqual(self.complaint_about("", **source, **{
             "docs/troubleshooting.md": "| `no way` |\n"}), "")
 
+    def test_need_no_text_of_the_sources_without_words(self):
+        self.assertEqual(self.complaint_about("", **{"sink/a.cpp": r'const char* head = "[\n  {";'}), "")
+
     def test_that_lack_a_member_of_the_profile_are_found(self):
         self.assertIn("`a`", self.complaint_about("", **{"docs/profile.md": "| `a` | `2` |\n"}))
 
