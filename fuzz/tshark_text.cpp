@@ -1,4 +1,4 @@
-/// tshark's text through the intake, the parsers, the mapping and the parameter file.
+/// tshark's text through its processing, the parsers, the mapping and the parameter file.
 #include <sys/mman.h>
 
 #include <cstddef>

@@ -150,7 +150,8 @@ enum { KIVRA_INIT_PARAMETER_CAPACITY = 20 };
 
 /// One initialisation parameter.
 typedef struct kivra_init_parameter {
-    /// "tshark_directory" or "file_path", case matters; other keys are skipped, as is a null key.
+    /// "tshark_directory", "file_path" or "tshark_session", case matters; other keys are skipped,
+    /// as is a null key.
     const char* key;
     /// The parameter's text; an entry whose value is null is skipped.
     const char* value;
@@ -191,7 +192,9 @@ KIVRA_TSHARK_SINK_EXPORT int32_t kivra_sink_init_parameters(void* user_data,
 /// "tshark_directory" is the folder of tshark's executable; without it (or when it is empty) an
 /// entry whose name begins with "wireshark", whatever the case, is looked for in the folders of
 /// PATH (separated by ";") and in "C:\Program Files". "file_path" is the power-profile parameter
-/// file; without it none is written.
+/// file; without it none is written. "tshark_session" with the value "on" has one tshark, which
+/// stays alive until the release, serve all records; with any other value, and without it, each
+/// record has a tshark of its own. The schema does not name this key.
 ///
 /// @param context receives the new instance; not written on failure
 /// @return 0; 1 on failure, after one call of the error callback with code 1; 1 without a call
