@@ -207,7 +207,8 @@ KIVRA_TSHARK_SINK_EXPORT int32_t kivra_sink_init(kivra_sink_context** context,
 /// passes the result document to the callback unless it is empty. Waits until tshark has ended.
 ///
 /// Two working files live in the current directory during the call and are deleted before it
-/// returns; a working file that cannot be deleted ends the process.
+/// returns; a working file that cannot be deleted ends the process. A record that a session serves
+/// has none.
 ///
 /// @param reserved_1 ignored
 /// @param reserved_2 ignored
