@@ -13,7 +13,7 @@
 
 #include "platform/console/console.h"
 #include "platform/platform.h"
-#include "replay/find_programs.h"
+#include "replay/find_tshark.h"
 #include "replay/input/capture_stream.h"
 #include "replay/output.h"
 #include "replay/progress.h"

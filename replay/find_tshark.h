@@ -1,5 +1,4 @@
-/// The search for the programs of a run that the command line does not name: the plug-in and
-/// tshark.
+/// The search for tshark where the command line does not name its folder.
 #pragma once
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "replay/find_programs.h"
+#include "replay/find_tshark.h"
 
 #include <filesystem>
 #include <stdexcept>
