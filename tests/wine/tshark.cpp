@@ -143,5 +143,6 @@ int run_with_sockets() {
 int main(int count, char** arguments) {
     const std::vector<std::string_view> list(arguments, arguments + count);
     constexpr std::array<std::string_view, 2> from_input{"-r", "-"};
-    return std::ranges::search(list, from_input).empty() ? run_with_marker() : run_with_sockets();
+    const auto found = std::search(list.begin(), list.end(), from_input.begin(), from_input.end());
+    return found == list.end() ? run_with_marker() : run_with_sockets();
 }
