@@ -1,7 +1,3 @@
-#include <windows.h>
-// After the header that it needs.
-#include <tlhelp32.h>
-
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -43,20 +39,6 @@ std::string read(piped_process& process, std::size_t size) {
     return text;
 }
 
-/// How many processes run that this one has started.
-int count_children() {
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
-    PROCESSENTRY32 entry{};
-    entry.dwSize = sizeof entry;
-    int count = 0;
-    for (BOOL found = Process32First(snapshot, &entry); found;
-         found = Process32Next(snapshot, &entry)) {
-        count += entry.th32ParentProcessID == GetCurrentProcessId() ? 1 : 0;
-    }
-    CloseHandle(snapshot);
-    return count;
-}
-
 class piped_processes_on_windows : public TESTING::scratch_test {
   protected:
     /// What a process notes.
@@ -95,9 +77,9 @@ TEST_F(piped_processes_on_windows, end_with_their_object) {
     {
         piped_process process(KIVRA_PIPE_PROBE, {"stay"});
         EXPECT_EQ(read(process, 5), "here;");
-        EXPECT_EQ(count_children(), 1);
+        EXPECT_EQ(TESTING::children().size(), 1U);
     }
-    EXPECT_EQ(count_children(), 0);
+    EXPECT_EQ(TESTING::children().size(), 0U);
 }
 
 TEST_F(piped_processes_on_windows, leave_no_handle_behind) {

@@ -1,9 +1,11 @@
 /// What tests need of the operating system.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace KIVRA::TSHARK::TESTING {
 
@@ -22,6 +24,12 @@ class environment_guard {
     std::string name_;
     std::optional<std::string> value_;
 };
+
+/// The processes that this one has started and not seen the end of.
+std::vector<std::uint32_t> children();
+
+/// Ends a process at once, and waits until it has ended.
+void kill_process(std::uint32_t process);
 
 /// A dynamic library, loaded by file name.
 class shared_library {

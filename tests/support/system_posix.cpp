@@ -1,6 +1,11 @@
 #include <dlfcn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
@@ -24,6 +29,20 @@ environment_guard::environment_guard(std::string name) : name_(std::move(name)) 
 
 environment_guard::~environment_guard() {
     set_environment(name_, value_);
+}
+
+std::vector<std::uint32_t> children() {
+    const auto self = std::to_string(::getpid());
+    std::ifstream list("/proc/self/task/" + self + "/children");
+    return {std::istream_iterator<std::uint32_t>(list), {}};
+}
+
+void kill_process(std::uint32_t process) {
+    const auto id = static_cast<pid_t>(process);
+    ::kill(id, SIGKILL);
+    // It stays for whoever has started it.
+    siginfo_t ended{};
+    ::waitid(P_PID, process, &ended, WEXITED | WNOWAIT);
 }
 
 shared_library::shared_library(const std::filesystem::path& file)

@@ -1,4 +1,6 @@
 #include <windows.h>
+// After the header that it needs.
+#include <tlhelp32.h>
 
 #include <cstdlib>
 #include <stdexcept>
@@ -22,6 +24,28 @@ environment_guard::environment_guard(std::string name) : name_(std::move(name)) 
 
 environment_guard::~environment_guard() {
     set_environment(name_, value_);
+}
+
+std::vector<std::uint32_t> children() {
+    std::vector<std::uint32_t> found;
+    const HANDLE snapshot = ::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    PROCESSENTRY32 entry{};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = ::Process32First(snapshot, &entry); more;
+         more = ::Process32Next(snapshot, &entry)) {
+        if (entry.th32ParentProcessID == ::GetCurrentProcessId()) {
+            found.push_back(entry.th32ProcessID);
+        }
+    }
+    ::CloseHandle(snapshot);
+    return found;
+}
+
+void kill_process(std::uint32_t process) {
+    const HANDLE handle = ::OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, process);
+    ::TerminateProcess(handle, 1);
+    ::WaitForSingleObject(handle, INFINITE);
+    ::CloseHandle(handle);
 }
 
 shared_library::shared_library(const std::filesystem::path& file)
