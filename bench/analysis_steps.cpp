@@ -31,7 +31,7 @@ void number_names(benchmark::State& state, const char* sample) {
 }
 BENCHMARK_CAPTURE(number_names, largest_dissection, BENCH::largest_dissection);
 
-void take_output_in(benchmark::State& state, const char* sample) {
+void process_output(benchmark::State& state, const char* sample) {
     sink_context context(nullptr, nullptr, "tshark", "output-that-never-exists", {});
     const std::string output = BENCH::sample_output(sample);
     while (state.KeepRunning()) {
@@ -39,8 +39,8 @@ void take_output_in(benchmark::State& state, const char* sample) {
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(output.size()));
 }
-BENCHMARK_CAPTURE(take_output_in, largest_dissection, BENCH::largest_dissection);
-BENCHMARK_CAPTURE(take_output_in, attach_accept, BENCH::attach_accept);
+BENCHMARK_CAPTURE(process_output, largest_dissection, BENCH::largest_dissection);
+BENCHMARK_CAPTURE(process_output, attach_accept, BENCH::attach_accept);
 
 }  // namespace
 }  // namespace KIVRA::TSHARK::ANALYSIS
