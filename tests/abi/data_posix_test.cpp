@@ -1,4 +1,3 @@
-#include <sys/resource.h>
 
 #include <cerrno>
 #include <cstdint>
@@ -11,6 +10,7 @@
 #include "tests/support/deep_directory_posix.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
+#include "tests/support/limits_posix.h"
 #include "tests/support/privileges_posix.h"
 
 namespace KIVRA::TSHARK {
@@ -28,17 +28,11 @@ class data_on_posix : public TESTING::scratch_test {
 
 TEST_F(data_on_posix, logs_a_process_that_cannot_be_created_and_succeeds) {
     ASSERT_EQ(host_.init_with_fake_tshark("profile.json"), 0);
-    rlimit former{};
-    ASSERT_EQ(getrlimit(RLIMIT_NPROC, &former), 0);
-    const rlimit none{0, former.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_NPROC, &none), 0);
-    std::int32_t result = -1;
     {
+        const TESTING::limit_guard no_process(RLIMIT_NPROC, 0);
         const TESTING::ordinary_user user;
-        result = host_.data("nas-eps", "");
+        EXPECT_EQ(host_.data("nas-eps", ""), 0);
     }
-    ASSERT_EQ(setrlimit(RLIMIT_NPROC, &former), 0);
-    EXPECT_EQ(result, 0);
     ASSERT_EQ(host_.logs.size(), 1U);
     EXPECT_EQ(host_.logs.front().level, 5U);
     EXPECT_EQ(host_.logs.front().message,

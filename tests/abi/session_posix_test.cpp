@@ -1,7 +1,6 @@
 // What a session's tshark meets on POSIX: descriptors, signals and limits.
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,6 +16,7 @@
 #include "tests/abi/sessions.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
+#include "tests/support/limits_posix.h"
 #include "tests/support/privileges_posix.h"
 #include "tests/support/system.h"
 
@@ -91,17 +91,11 @@ TEST_F(sessions_on_posix, that_never_read_end_with_the_next_record_or_the_releas
 
 TEST_F(sessions_on_posix, log_a_process_that_can_not_be_created) {
     fs::permissions(".", fs::perms::all);
-    rlimit former{};
-    ASSERT_EQ(getrlimit(RLIMIT_NPROC, &former), 0);
-    const rlimit none{0, former.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_NPROC, &none), 0);
-    std::int32_t result = -1;
     {
+        const TESTING::limit_guard no_process(RLIMIT_NPROC, 0);
         const TESTING::ordinary_user user;
-        result = host_.data("nas-eps", "");
+        EXPECT_EQ(host_.data("nas-eps", ""), 0);
     }
-    ASSERT_EQ(setrlimit(RLIMIT_NPROC, &former), 0);
-    EXPECT_EQ(result, 0);
     ASSERT_THAT(host_.logs, SizeIs(1));
     EXPECT_EQ(host_.logs.front().level, 5U);
     EXPECT_EQ(host_.logs.front().message,

@@ -27,21 +27,15 @@ class folder_names : public TESTING::scratch_test, public testing::WithParamInte
     }
     void TearDown() override { fs::current_path(scratch()); }
 
-    bool is_injected() const {
-        const fs::recursive_directory_iterator all(scratch());
-        return std::ranges::any_of(
-            all, [](const auto& entry) { return entry.path().filename() == "INJECTED"; });
-    }
-};
-
-TEST_P(folder_names, mean_nothing) {
-    const json record = TESTING::read_json(TESTING::data_file("nbiot_attach.json")).front();
-    json profile = TESTING::read_json(TESTING::data_file("profile_of_defaults.json"));
-    profile.update({{"idrx_int", "0.64"}, {"idrx_reps", "64"}});
-    // As a relative folder, too: its name begins the program's path then.
-    for (const fs::path& tshark : {scratch() / GetParam() / GetParam(), fs::path(GetParam())}) {
+    /// Analyses a record, with a tshark of its own or with a session.
+    static void expect_result(const fs::path& tshark, const char* session) {
+        const json record = TESTING::read_json(TESTING::data_file("nbiot_attach.json")).front();
+        json profile = TESTING::read_json(TESTING::data_file("profile_of_defaults.json"));
+        profile.update({{"idrx_int", "0.64"}, {"idrx_reps", "64"}});
         host host;
-        ASSERT_EQ(host.init({{"tshark_directory", tshark.string()}, {"file_path", "profile.json"}}),
+        ASSERT_EQ(host.init({{"tshark_directory", tshark.string()},
+                             {"file_path", "profile.json"},
+                             {"tshark_session", session}}),
                   0);
         EXPECT_EQ(host.data(record["format"], TESTING::bytes_of(record["hex"].get<std::string>())),
                   0)
@@ -50,6 +44,20 @@ TEST_P(folder_names, mean_nothing) {
         EXPECT_EQ(TESTING::read_file("profile.json"), profile.dump(4));
         fs::remove("profile.json");
         EXPECT_EQ(TESTING::names_in("."), std::vector<std::string>{GetParam()});
+    }
+
+    bool is_injected() const {
+        const fs::recursive_directory_iterator all(scratch());
+        return std::ranges::any_of(
+            all, [](const auto& entry) { return entry.path().filename() == "INJECTED"; });
+    }
+};
+
+TEST_P(folder_names, mean_nothing) {
+    // As a relative folder, too: its name begins the program's path then.
+    for (const fs::path& tshark : {scratch() / GetParam() / GetParam(), fs::path(GetParam())}) {
+        expect_result(tshark, "off");
+        expect_result(tshark, "on");
     }
     EXPECT_FALSE(is_injected());
 }
