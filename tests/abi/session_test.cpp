@@ -89,10 +89,19 @@ TEST_F(sessions, log_their_end_as_information) {
     EXPECT_EQ(host_.logs.front().level, 3U);
 }
 
+TEST_F(sessions, serve_records_that_the_filter_drops) {
+    EXPECT_EQ(host_.data("lte_rrc.nosuch", "message"), 0);
+    EXPECT_THAT(host_.texts, IsEmpty());
+    EXPECT_THAT(host_.messages(), IsEmpty());
+    EXPECT_THAT(host_.logs, SizeIs(1));
+    expect_result();
+    EXPECT_THAT(started(), ElementsAre("session"));
+}
+
 TEST_F(sessions, that_write_rubbish_cost_nothing) {
     for (const char* rubbish :
-         {"hello", "null", "[1]", "{}", "[{}]", "[[[", R"([{\"frame.number\": \"99\"}])",
-          R"([{\"frame.number\": \"x\"}])", "\\0", "]"}) {
+         {"hello", "null", "[1]", "{}", "[{}]", "[[[", R"([{"frame.number": "99"}])",
+          R"([{"frame.number": "x"}])", "\\0", "]"}) {
         host_.release();
         ASSERT_EQ(init(host_, "on"), 0);
         session_runs(std::string("printf '") + rubbish + "'; exec cat >/dev/null");
