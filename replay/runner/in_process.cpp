@@ -15,7 +15,7 @@ namespace {
 
 // Enough to keep tshark busy while results are reported.
 constexpr std::size_t most_pending_records = 256;
-constexpr std::size_t most_pending_bytes = 256 * 1024;
+constexpr std::size_t most_pending_bytes = 262'144;
 
 }  // namespace
 
