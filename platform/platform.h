@@ -1,6 +1,6 @@
-/// All that differs between Windows and POSIX: running a program, writing a
-/// file, what stands at a path, host texts as paths, the PATH variable, the names of tshark's
-/// executable. No state, no ownership; every function may be called from any thread.
+/// All that differs between Windows and POSIX: running a program, writing a file, what stands at a
+/// path, host texts as paths, the PATH variable, the names of tshark's executable. No state, no
+/// ownership; every function may be called from any thread.
 #pragma once
 
 #include <cstdint>
