@@ -5,6 +5,10 @@ from scapy.compat import raw
 from scapy.layers.inet import IP, UDP
 from scapy.layers.inet6 import IPv6
 from scapy.layers.l2 import CookedLinux, CookedLinuxV2, Ether
+from scapy.layers.sctp import SCTP, SCTPChunkData
+
+import s1ap
+from capture_files import ETHERNET, LINUX_COOKED, LINUX_COOKED_V2
 
 # LTE RRC sub-types of GSMTAP (libosmocore's gsmtap.h).
 GSMTAP_LTE_RRC = {
@@ -15,6 +19,11 @@ GSMTAP_LTE_RRC = {
     "lte_rrc.pcch.nb": 21,
 }
 GSMTAP_PORT = 4729
+GTP_U_PORT = 2152
+S1AP_PORT = 36412
+S1AP_PROTOCOL = 18  # SCTP payload protocol identifiers (IANA)
+
+MODEM, NETWORK = "192.0.2.1", "192.0.2.2"
 
 
 def gsmtap(kind, sub_type, data, uplink=False):
@@ -30,13 +39,44 @@ def gsmtap_of(message):
     return gsmtap(0x0D, GSMTAP_LTE_RRC[message.format], message.data, message.is_uplink)
 
 
-def udp(data, port):
-    return IP(src="127.0.0.1", dst="127.0.0.1", id=0) / UDP(sport=13337, dport=port) / data
+def ip(uplink=True):
+    source, destination = (MODEM, NETWORK) if uplink else (NETWORK, MODEM)
+    return IP(src=source, dst=destination, id=0)
+
+
+def udp(data, port, uplink=True):
+    return ip(uplink) / UDP(sport=port, dport=port) / data
+
+
+def sctp(port, protocol, chunks, uplink=True):
+    """`chunks` are (sequence number, message)."""
+    packet = ip(uplink) / SCTP(sport=port, dport=port, tag=1)
+    for number, data in chunks:
+        packet /= SCTPChunkData(beginning=1, ending=1, tsn=number, stream_id=1, stream_seq=number,
+                                proto_id=protocol, data=data)
+    return packet
 
 
 def over_gsmtap(message):
     """The message as an IP packet; a router advertisement is one already."""
     return IPv6(message.data) if message.format == "ip" else udp(gsmtap_of(message), GSMTAP_PORT)
+
+
+def gtp_u(packet):
+    """GTP-U version 1, a packet of tunnel 1 (3GPP TS 29.281, 5.1)."""
+    return udp(struct.pack(">BBHI", 0x30, 0xFF, len(packet), 1) + packet, GTP_U_PORT, uplink=False)
+
+
+def over_s1(trace):
+    """The trace's NAS messages and IP packets as IP packets between eNodeB and core network."""
+    is_first = True
+    for number, message in enumerate(trace):
+        if message.is_nas:
+            data = s1ap.nas_transport(message.data, message.is_uplink, is_first)
+            yield message.time, sctp(S1AP_PORT, S1AP_PROTOCOL, [(number, data)], message.is_uplink)
+            is_first = False
+        elif message.format == "ip":
+            yield message.time, gtp_u(message.data)
 
 
 def raw_ip(packet):
@@ -61,13 +101,29 @@ def cooked_v2(packet):
                              proto=ether_type(packet)) / packet)
 
 
+LINKS = {"ethernet": (ETHERNET, ethernet), "cooked": (LINUX_COOKED, cooked),
+         "cooked_v2": (LINUX_COOKED_V2, cooked_v2)}
+
+
 def exported_pdu(message):
     """As the traces' captures have it; IP packets name the dissector "ip"."""
-    return tagged([(12, padded(message.format.encode()))], message.data)
+    return named_pdu(message.format, message.data)
+
+
+def named_pdu(dissector, data):
+    return tagged([(12, padded(dissector))], data)
+
+
+def exported_udp(data, port):
+    """As `tshark -U "OSI layer 4"` exports what UDP carries: by port, without a dissector's name."""
+    number = struct.pack(">I", port)
+    tags = [(14, padded("udp.port")), (20, bytes([192, 0, 2, 1])), (21, bytes([192, 0, 2, 2])),
+            (24, struct.pack(">I", 3)), (25, number), (26, number), (32, number)]
+    return tagged(tags, data)
 
 
 def padded(text):
-    return text + bytes(-len(text) % 4)
+    return text.encode() + bytes(-len(text) % 4)
 
 
 def tagged(tags, data):

@@ -17,6 +17,15 @@ class message:
     format: str  # a dissector's name, or "ip"
     data: bytes
 
+    def later(self, seconds):
+        return dataclasses.replace(self, time=self.time + round(seconds * 1_000_000))
+
+    def with_data(self, data):
+        return dataclasses.replace(self, data=data)
+
+    def of(self, format, data):
+        return message(self.time, format, data)
+
     @property
     def is_rrc(self):
         return self.format.startswith("lte_rrc.")
@@ -50,18 +59,27 @@ def rrc_messages():
             for number, record in enumerate(records)]
 
 
-def packed(bits, content):
-    """UPER: the bits of a message up to an octet string, the string's length and the string, padded."""
-    assert len(content) < 128
-    bits += "".join(f"{byte:08b}" for byte in (len(content), *content))
+def packed(bits):
+    """A message in UPER, padded."""
     bits += "0" * (-len(bits) % 8)
     return int(bits, 2).to_bytes(len(bits) // 8, "big")
+
+
+def octet_string(content):
+    assert len(content) < 128
+    return "".join(f"{byte:08b}" for byte in (len(content), *content))
+
+
+# c1, securityModeCommand, transaction 0, c1, its release 8, no extensions, eea2 and eia2
+SECURITY_MODE_COMMAND = packed("0" "0110" "00" "0" "00" "0" "0" "0" "010" "0" "010")
 
 
 def information_transfer(nas):
     """The RRC message that carries a NAS message in its direction (3GPP TS 36.331, 6.2.2)."""
     if nas.is_uplink:
         # c1, ulInformationTransfer, c1, its release 8, no extension, dedicatedInfoNAS
-        return message(nas.time, "lte_rrc.ul_dcch", packed("0" "1001" "0" "00" "0" "00", nas.data))
-    # c1, dlInformationTransfer, transaction 0, c1, its release 8, no extension, dedicatedInfoNAS
-    return message(nas.time, "lte_rrc.dl_dcch", packed("0" "0001" "00" "0" "00" "0" "00", nas.data))
+        channel, head = "lte_rrc.ul_dcch", "0" "1001" "0" "00" "0" "00"
+    else:
+        # c1, dlInformationTransfer, transaction 0, c1, its release 8, no extension, dedicatedInfoNAS
+        channel, head = "lte_rrc.dl_dcch", "0" "0001" "00" "0" "00" "0" "00"
+    return message(nas.time, channel, packed(head + octet_string(nas.data)))
