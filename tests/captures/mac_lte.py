@@ -34,6 +34,11 @@ def acknowledged(sequence, pdcp):
     return struct.pack(">H", 0x8000 | sequence) + pdcp
 
 
+def acknowledged_together(sequence, first, second):
+    """An RLC AM PDU with two whole SDUs: a length indicator tells where the first one ends."""
+    return struct.pack(">HH", 0x8400 | sequence, len(first) << 4) + first + second
+
+
 def signalling(sequence, rrc, integrity=bytes(4)):
     """A PDCP PDU of a signalling bearer."""
     return bytes([sequence & 0x1F]) + rrc + integrity
@@ -62,6 +67,12 @@ def framed_messages(trace):
         if message.is_rrc:
             yield message.time, framed_rrc(message, sent[message.is_uplink])
             sent[message.is_uplink] += "_dcch" in message.format
+
+
+def framed_together(data):
+    """Two messages on the downlink DCCH in one MAC PDU."""
+    first, second = (signalling(sequence, rrc) for sequence, rrc in enumerate(data))
+    return framed(subheader(1) + acknowledged_together(0, first, second), DOWNLINK, C_RNTI)
 
 
 def for_udp(frame):

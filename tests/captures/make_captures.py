@@ -78,7 +78,8 @@ def mac_lte_captures(trace):
     yield "mac_lte_exported.pcapng", pcapng([WIRESHARK_UPPER_PDU], by_name)
 
     datagrams = [(time, carriers.udp(mac_lte.for_udp(frame), 57005)) for time, frame in frames]
-    yield "mac_lte_udp.pcap", pcap(ETHERNET, [(time, carriers.ethernet(packet)) for time, packet in datagrams])
+    in_ethernet = [(time, carriers.ethernet(packet)) for time, packet in datagrams]
+    yield "mac_lte_udp.pcap", pcap(ETHERNET, in_ethernet)
     without_ip = [(time, carriers.raw_ip(packet.payload)) for time, packet in datagrams]
     yield "mac_lte_udp_149.pcap", pcap(USER2, without_ip)
 
@@ -136,10 +137,14 @@ def message_captures():
     packet = carriers.sctp(carriers.S1AP_PORT, carriers.S1AP_PROTOCOL, two, uplink=False)
     yield "several_in_a_packet.pcap", pcap(ETHERNET, [(attach_accept.time, carriers.ethernet(packet))])
 
-    # What comes behind the security mode command is ciphered, so tshark can't read it.
-    command = setup.of("lte_rrc.dl_dcch", messages.SECURITY_MODE_COMMAND)
-    later = setup.of("lte_rrc.dl_dcch", ciphered).later(0.1)
-    yield "rrc_ciphered_mac_lte.pcap", pcap(USER2, list(mac_lte.framed_messages([setup, command, later])))
+    # What comes behind the security mode's messages is ciphered, so tshark can't read it.
+    security = [setup.of("lte_rrc.dl_dcch", messages.SECURITY_MODE_COMMAND),
+                setup.of("lte_rrc.ul_dcch", messages.SECURITY_MODE_COMPLETE).later(0.01),
+                setup.of("lte_rrc.dl_dcch", ciphered).later(0.1)]
+    yield "rrc_ciphered_mac_lte.pcap", pcap(USER2, mac_lte.framed_messages([setup, *security]))
+    release = next(record for record in trace if record.data == bytes.fromhex("2c02"))
+    frame = mac_lte.framed_together([record.data for record in (security[0], release)])
+    yield "several_in_a_mac_pdu.pcap", pcap(USER2, [(release.time, frame)])
 
 
 def captures_without_lte():
@@ -147,7 +152,7 @@ def captures_without_lte():
     yield "empty.pcapng", pcapng([ETHERNET], [])
     for name, link_type, packets in other_traffic.captures():
         times = itertools.count(1_764_300_000_000_000, 10_000)
-        yield name, pcap(link_type, list(zip(times, packets)))
+        yield name, pcap(link_type, zip(times, packets))
 
 
 def broken_captures():

@@ -72,6 +72,8 @@ def octet_string(content):
 
 # c1, securityModeCommand, transaction 0, c1, its release 8, no extensions, eea2 and eia2
 SECURITY_MODE_COMMAND = packed("0" "0110" "00" "0" "00" "0" "0" "0" "010" "0" "010")
+# c1, securityModeComplete, transaction 0, its release 8, no extension
+SECURITY_MODE_COMPLETE = packed("0" "0101" "00" "0" "0")
 
 
 def information_transfer(nas):
