@@ -55,9 +55,15 @@ def framed_rrc(message, sequence=0):
     if channel == "pcch":
         return framed(message.data, direction, P_RNTI, narrowband)
     if channel.endswith("ccch"):
-        return framed(subheader(0) + message.data, direction, C_RNTI, narrowband)
-    pdcp = signalling(sequence, message.data)
-    return framed(subheader(1) + acknowledged(sequence, pdcp), direction, C_RNTI, narrowband)
+        # The narrowband modem's data volume and power headroom report stands before its message.
+        report = b"\0" if narrowband and message.is_uplink else b""
+        pdu = subheader(0) + report + message.data
+    elif narrowband:
+        # Before security there is no PDCP: signalling bearer 1bis.
+        pdu = subheader(3) + acknowledged(sequence, message.data)
+    else:
+        pdu = subheader(1) + acknowledged(sequence, signalling(sequence, message.data))
+    return framed(pdu, direction, C_RNTI, narrowband)
 
 
 def framed_messages(trace):

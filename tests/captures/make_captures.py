@@ -110,6 +110,7 @@ def message_captures():
     setup_complete, attach_request = trace[3], trace[4]
     attach_accept = next(record for record in trace if record.is_nas and record.data[1] == 0x42)
     yield "rrc_messages.pcapng", exported(messages.rrc_messages())
+    yield "rrc_messages_mac_lte.pcap", pcap(USER2, mac_lte.framed_messages(messages.rrc_messages()))
 
     def nas_in_rrc(seconds):
         """The NAS message inside an RRC one, and so much later as a record."""
