@@ -2,10 +2,12 @@
 /// object that started it, which one thread at a time may use. No thread is created.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -27,14 +29,23 @@ class process_not_started : public std::runtime_error {
     std::uint32_t error_;
 };
 
+/// What becomes of the text that a program prints to its standard error.
+enum class error_text { dropped, kept };
+
+/// Something to wait for: a descriptor that can be read on POSIX, a handle that is signalled on
+/// Windows.
+using waitable = std::intptr_t;
+
 class piped_process {
   public:
     /// Starts the program directly, without a shell and without a search along PATH. It gets the
-    /// host's environment and current directory, its two pipes, nothing for its standard error, and
-    /// no other handle; as to signals and Ctrl-C it is in the position of `run_program`'s.
+    /// host's environment and current directory, its two pipes, an unnamed file or nothing for its
+    /// standard error, and no other handle; as to signals and Ctrl-C it is in the position of
+    /// `run_program`'s.
     /// @param arguments UTF-8 on Windows, bytes as they stand on POSIX
     /// @throws process_not_started; std::system_error on Windows for an argument that is not UTF-8
-    piped_process(const std::filesystem::path& program, const std::vector<std::string>& arguments);
+    piped_process(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                  error_text errors = error_text::dropped);
 
     /// Ends the program if it still runs, at once, and waits for that; on POSIX its process group
     /// with it. What it has printed and nobody has read is lost.
@@ -64,9 +75,30 @@ class piped_process {
     ///     there is nothing to move: both input and room are empty
     transfer exchange(std::string_view input, std::span<char> output, bool wait);
 
+    struct occasion {
+        /// There is room for input.
+        bool input = false;
+        /// Output has come, or has ended.
+        bool output = true;
+        /// Something else that is ready, if any.
+        std::optional<waitable> other = std::nullopt;
+    };
+
+    /// Waits for an occasion to go on, after an exchange that moved nothing. Returns early when a
+    /// signal comes.
+    void wait(const occasion& wanted, std::chrono::milliseconds at_most) const;
+
     /// There is no more input: the program sees its end behind what was written. Later input is
     /// lost.
     void close_input();
+
+    /// Waits for the program to end, whose output has ended.
+    /// @return its exit status; 128 and the signal's number when a signal ended it, on POSIX
+    int exit_status();
+
+    /// What the program has printed to its standard error so far, up to 64 KiB; empty unless it is
+    /// kept.
+    std::string printed_errors() const;
 
   private:
     struct connection;

@@ -13,6 +13,7 @@ namespace KIVRA::TSHARK::PLATFORM {
 namespace {
 
 constexpr std::size_t buffer_size = 65'536;
+constexpr std::size_t most_error_text = 65'536;
 
 [[noreturn]] void fail() {
     throw process_not_started(GetLastError());
@@ -136,8 +137,7 @@ class handle_list {
 
 /// @return the process
 handle start(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-             const handle& input, const handle& output) {
-    const handle error = open_for_child(L"NUL", GENERIC_WRITE);
+             const handle& input, const handle& output, const handle& error) {
     handle_list inherited({input.get(), output.get(), error.get()});
     STARTUPINFOEXW start_up{};
     start_up.StartupInfo.cb = sizeof start_up;
@@ -156,6 +156,24 @@ handle start(const std::filesystem::path& program, const std::vector<std::string
     }
     CloseHandle(process.hThread);
     return handle(process.hProcess);
+}
+
+/// Where a child may print its errors to: a file that nobody else can open and that goes with its
+/// last handle, or nothing.
+handle make_error_file(error_text errors) {
+    if (errors == error_text::dropped) {
+        return open_for_child(L"NUL", GENERIC_WRITE);
+    }
+    std::array<wchar_t, MAX_PATH + 1> folder{};
+    std::array<wchar_t, MAX_PATH + 1> name{};
+    if (GetTempPathW(static_cast<DWORD>(folder.size()), folder.data()) == 0 ||
+        GetTempFileNameW(folder.data(), L"kiv", 0, name.data()) == 0) {
+        fail();
+    }
+    SECURITY_ATTRIBUTES attributes = inheritable();
+    return handle(CreateFileW(name.data(), GENERIC_READ | GENERIC_WRITE, 0, &attributes,
+                              CREATE_ALWAYS, FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE,
+                              nullptr));
 }
 
 /// One direction: the end of a pipe, and at most one transfer under way between it and the buffer.
@@ -231,8 +249,9 @@ class channel {
 }  // namespace
 
 struct piped_process::connection {
-    connection(const std::filesystem::path& program, const std::vector<std::string>& arguments)
-        : connection(program, arguments, make_pipe(PIPE_ACCESS_OUTBOUND),
+    connection(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+               error_text wanted_errors)
+        : connection(program, arguments, wanted_errors, make_pipe(PIPE_ACCESS_OUTBOUND),
                      make_pipe(PIPE_ACCESS_INBOUND)) {}
 
     ~connection() {
@@ -300,22 +319,28 @@ struct piped_process::connection {
 
     bool has_ended() const { return waiting.empty() && !output.is_open(); }
 
-    /// Waits until a transfer under way has ended. What has come for nobody is none to wait for.
-    void wait(bool for_output) const {
-        std::array<HANDLE, 2> events{};
+    /// Waits until a transfer under way has ended, or what else is wanted. What has come for nobody
+    /// is none to wait for.
+    void wait(const occasion& wanted, DWORD milliseconds) const {
+        std::array<HANDLE, 3> events{};
         DWORD count = 0;
         if (input.is_busy()) {
             events.at(count++) = input.event();
         }
-        if (for_output && output.is_busy()) {
+        if (wanted.output && output.is_busy()) {
             events.at(count++) = output.event();
         }
+        if (wanted.other) {
+            events.at(count++) = reinterpret_cast<HANDLE>(*wanted.other);
+        }
         constexpr BOOL all = FALSE;
-        WaitForMultipleObjects(count, events.data(), all, INFINITE);
+        WaitForMultipleObjects(count, events.data(), all, milliseconds);
     }
 
     channel input;
     channel output;
+    error_text wanted_errors;
+    handle errors;
     handle process;
     /// What has come and not been read, in the buffer of `output`.
     std::span<const char> waiting;
@@ -324,15 +349,17 @@ struct piped_process::connection {
 
   private:
     connection(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-               pipe_ends to_child, pipe_ends from_child)
+               error_text wanted, pipe_ends to_child, pipe_ends from_child)
         : input(std::move(to_child.ours)),
           output(std::move(from_child.ours)),
-          process(start(program, arguments, to_child.childs, from_child.childs)) {}
+          wanted_errors(wanted),
+          errors(make_error_file(wanted)),
+          process(start(program, arguments, to_child.childs, from_child.childs, errors)) {}
 };
 
 piped_process::piped_process(const std::filesystem::path& program,
-                             const std::vector<std::string>& arguments)
-    : connection_(std::make_unique<connection>(program, arguments)) {}
+                             const std::vector<std::string>& arguments, error_text errors)
+    : connection_(std::make_unique<connection>(program, arguments, errors)) {}
 
 piped_process::~piped_process() = default;
 
@@ -346,10 +373,35 @@ piped_process::transfer piped_process::exchange(std::string_view input, std::spa
         if (!idle || !wait || (input.empty() && output.empty())) {
             break;
         }
-        connection_->wait(!output.empty());
+        connection_->wait({.input = !input.empty(), .output = !output.empty()}, INFINITE);
     }
     moved.ended = connection_->has_ended();
     return moved;
+}
+
+void piped_process::wait(const occasion& wanted, std::chrono::milliseconds at_most) const {
+    connection_->wait(wanted, static_cast<DWORD>(at_most.count()));
+}
+
+int piped_process::exit_status() {
+    const HANDLE process = connection_->process.get();
+    WaitForSingleObject(process, INFINITE);
+    DWORD status = 0;
+    GetExitCodeProcess(process, &status);
+    return static_cast<int>(status);
+}
+
+std::string piped_process::printed_errors() const {
+    if (connection_->wanted_errors == error_text::dropped) {
+        return {};
+    }
+    std::string text(most_error_text, '\0');
+    OVERLAPPED from_the_beginning{};
+    DWORD size = 0;
+    ReadFile(connection_->errors.get(), text.data(), static_cast<DWORD>(text.size()), &size,
+             &from_the_beginning);
+    text.resize(size);
+    return text;
 }
 
 void piped_process::close_input() {

@@ -13,11 +13,12 @@ namespace {
 /// What the child starts with: the standard streams and no other descriptor.
 class child_descriptors {
   public:
-    child_descriptors(const child_stream& input, const child_stream& output) {
+    child_descriptors(const child_stream& input, const child_stream& output,
+                      const child_stream& errors) {
         note(posix_spawn_file_actions_init(&actions_));
         set(STDOUT_FILENO, output, O_WRONLY | O_CREAT | O_TRUNC);
         set(STDIN_FILENO, input, O_RDONLY);
-        set(STDERR_FILENO, std::filesystem::path("/dev/null"), O_WRONLY);
+        set(STDERR_FILENO, errors, O_WRONLY);
         note(posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1));
     }
     ~child_descriptors() { posix_spawn_file_actions_destroy(&actions_); }
@@ -88,8 +89,8 @@ std::vector<char*> argument_vector(std::string& program, std::vector<std::string
 }  // namespace
 
 spawned spawn(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-              const child_stream& input, const child_stream& output) {
-    const child_descriptors descriptors(input, output);
+              const child_stream& input, const child_stream& output, const child_stream& errors) {
+    const child_descriptors descriptors(input, output, errors);
     const child_signals signals;
     std::string name = program.native();
     std::vector<std::string> texts = arguments;

@@ -20,15 +20,16 @@ struct spawned {
     int error = 0;
 };
 
-/// Starts a program with the host's environment and current directory, its standard error at
-/// /dev/null, and no further descriptor. No signal is blocked, SIGCHLD and SIGPIPE are at their
-/// defaults, and the process group is its own. Whoever calls collects the child.
+/// Starts a program with the host's environment and current directory and no further descriptor. No
+/// signal is blocked, SIGCHLD and SIGPIPE are at their defaults, and the process group is its own.
+/// Whoever calls collects the child.
 ///
 /// Files are opened by the child before it becomes the program: the output is made even when there
 /// is no such program, and there is no start without it.
 /// @param arguments bytes as they stand, without the program's name
-/// @param input, output descriptors must be above 2
+/// @param input, output, errors descriptors must be above 2
 spawned spawn(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-              const child_stream& input, const child_stream& output);
+              const child_stream& input, const child_stream& output,
+              const child_stream& errors = std::filesystem::path("/dev/null"));
 
 }  // namespace KIVRA::TSHARK::PLATFORM
