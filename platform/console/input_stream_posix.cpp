@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -20,6 +21,11 @@ int checked(int result, const char* what) {
     return result;
 }
 
+bool is_folder(int descriptor) {
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
 bool has_nothing_to_read(int descriptor) {
     pollfd entry{descriptor, POLLIN, 0};
     return poll(&entry, 1, 0) == 0;
@@ -31,7 +37,15 @@ input_stream::input_stream(const std::filesystem::path& file, std::function<void
     : descriptor_(file.empty()
                       ? checked(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1), "dup")
                       : checked(::open(file.c_str(), O_RDONLY | O_CLOEXEC), "open")),
-      before_waiting_(std::move(before_waiting)) {}
+      before_waiting_(std::move(before_waiting)) {
+    if (is_folder(descriptor_)) {
+        ::close(descriptor_);
+        throw std::system_error(EISDIR, std::generic_category(), "open");
+    }
+    if (is_regular_file()) {
+        start_ = static_cast<std::uint64_t>(lseek(descriptor_, 0, SEEK_CUR));
+    }
+}
 
 input_stream::~input_stream() {
     close(descriptor_);
@@ -53,16 +67,58 @@ ssize_t input_stream::read_some(void* self, char* buffer, std::size_t size) {
         errno = ECANCELED;
         return -1;
     }
-    const ssize_t count = read(stream.descriptor_, buffer, size);
+    return stream.read({buffer, size});
+}
+
+/// Out of memory first, then from the descriptor.
+ssize_t input_stream::read(std::span<char> room) {
+    if (is_rewound_ && repeated_ < beginning_.size()) {
+        const std::size_t count = beginning_.copy(room.data(), room.size(), repeated_);
+        repeated_ += count;
+        position_ += count;
+        return static_cast<ssize_t>(count);
+    }
+    const ssize_t count = ::read(descriptor_, room.data(), room.size());
     if (count > 0) {
-        stream.position_ += static_cast<std::uint64_t>(count);
+        position_ += static_cast<std::uint64_t>(count);
+        if (!is_rewound_ && !start_) {
+            beginning_.append(room.data(), static_cast<std::size_t>(count));
+        }
     }
     return count;
 }
 
+void input_stream::rewind() {
+    if (start_) {
+        lseek(descriptor_, static_cast<off_t>(*start_), SEEK_SET);
+    }
+    is_rewound_ = true;
+    position_ = 0;
+}
+
+std::size_t input_stream::read_available(std::span<char> room) {
+    const bool is_in_memory = is_rewound_ && repeated_ < beginning_.size();
+    if (!is_in_memory && has_nothing_to_read(descriptor_)) {
+        return 0;
+    }
+    const ssize_t count = read(room);
+    if (count == -1 && errno != EINTR) {
+        throw std::system_error(errno, std::generic_category(), "read");
+    }
+    at_end_ = count == 0;
+    return static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+}
+
+void input_stream::announce() const {
+    if (before_waiting_) {
+        before_waiting_();
+    }
+}
+
 /// What is thrown must not pass the C code that reads the stream.
 void input_stream::announce_waiting() {
-    if (!before_waiting_ || !has_nothing_to_read(descriptor_)) {
+    const bool is_in_memory = is_rewound_ && repeated_ < beginning_.size();
+    if (!before_waiting_ || is_in_memory || !has_nothing_to_read(descriptor_)) {
         return;
     }
     try {
@@ -76,6 +132,11 @@ void input_stream::rethrow() {
     if (thrown_) {
         std::rethrow_exception(std::exchange(thrown_, nullptr));
     }
+}
+
+bool input_stream::is_regular_file() const {
+    struct stat status {};
+    return fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
 }
 
 std::uint64_t input_stream::size() const {
