@@ -7,7 +7,6 @@
 #include <nlohmann/json.hpp>
 
 #include "analysis/ipv6_prefix.h"
-#include "analysis/output_processing.h"
 #include "analysis/record_payload.h"
 #include "analysis/tshark/pcapng_image.h"
 
@@ -38,7 +37,8 @@ std::optional<std::string> packet_for_tshark(const kivra_trace_chunk& chunk) {
 }
 
 void analyse_record(sink_context& context, const kivra_trace_chunk& chunk,
-                    dissection_source& source, const document_receiver& receive) {
+                    dissection_source& source, const document_receiver& receive,
+                    const packet_observer& observe) {
     const auto packet = packet_for_tshark(chunk);
     if (!packet) {
         capture_ipv6_prefix(context, chunk, receive);
@@ -46,7 +46,7 @@ void analyse_record(sink_context& context, const kivra_trace_chunk& chunk,
     }
     const auto start = steady_clock::now();
     source.dissect(context, *packet, [&](std::string output) {
-        nlohmann::json document = process_output(context, std::move(output));
+        nlohmann::json document = process_output(context, std::move(output), observe);
         log_duration(context, start);
         if (!document.empty()) {
             receive(std::move(document));

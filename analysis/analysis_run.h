@@ -7,6 +7,7 @@
 
 #include <kivra/tshark_sink.h>
 
+#include "analysis/output_processing.h"
 #include "analysis/result_delivery.h"
 #include "analysis/tshark/dissection_source.h"
 #include "context/sink_context.h"
@@ -21,9 +22,11 @@ std::optional<std::string> packet_for_tshark(const kivra_trace_chunk& chunk);
 /// Blocks until the record is finished.
 /// @param source where the dissection comes from
 /// @param receive gets the result document, unless that is empty
+/// @param observe gets the packets of the dissection; may be none
 /// @throws as `packet_for_tshark`, before anything is done; what the source throws;
 ///     nlohmann::json::exception for an output that can't be made sense of; what a callback throws
 void analyse_record(sink_context& context, const kivra_trace_chunk& chunk,
-                    dissection_source& source, const document_receiver& receive);
+                    dissection_source& source, const document_receiver& receive,
+                    const packet_observer& observe = {});
 
 }  // namespace KIVRA::TSHARK::ANALYSIS

@@ -66,11 +66,15 @@ std::string number_repeated_names(std::string text) {
     return numbered;
 }
 
-nlohmann::json process_output(sink_context& context, std::string output) {
+nlohmann::json process_output(sink_context& context, std::string output,
+                              const packet_observer& observe) {
     const nlohmann::json parsed = parse_output(number_repeated_names(std::move(output)));
     nlohmann::json result;
     for (const auto& value : parsed) {
         if (is_packet(value)) {
+            if (observe) {
+                observe(value);
+            }
             PROFILE::map_packet(context, value, result);
         }
     }

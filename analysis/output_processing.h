@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 
 #include <nlohmann/json.hpp>
@@ -22,12 +23,17 @@ constexpr std::size_t deepest_nesting = 1'000;
 /// gets 0 and the 257th 1 again. Texts that are no member names are numbered as well.
 std::string number_repeated_names(std::string text);
 
+/// Gets each packet of tshark's output before it is analysed, whatever comes of that.
+using packet_observer = std::function<void(const nlohmann::json& packet)>;
+
 /// Hands every packet of the output to the per-packet step, in order; whatever has no "_source"
 /// with "layers" is skipped.
+/// @param observe may be none
 /// @return the result document: null when no packet gave anything
 /// @throws nlohmann::json::parse_error for a text that is no JSON, std::runtime_error for one that
 ///     is nested more deeply than `deepest_nesting`, and what the step throws; no packet behind
 ///     the failing one is handed on
-nlohmann::json process_output(sink_context& context, std::string output);
+nlohmann::json process_output(sink_context& context, std::string output,
+                              const packet_observer& observe = {});
 
 }  // namespace KIVRA::TSHARK::ANALYSIS

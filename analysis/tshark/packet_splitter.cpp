@@ -42,6 +42,9 @@ std::optional<split_packet> packet_splitter::next() {
     while (position_ < buffer_.size()) {
         const std::size_t depth = nesting_.depth();
         const char c = buffer_[position_];
+        if (depth == 0 && began_ && allowed_ == behind_packets::text) {
+            break;
+        }
         if (depth <= array_depth) {
             const bool opens = depth == 0 ? c == '[' && !began_ : c == '{';
             const bool closes = depth == array_depth && c == ']';
@@ -66,6 +69,11 @@ std::optional<split_packet> packet_splitter::next() {
         }
     }
     return std::nullopt;
+}
+
+std::string_view packet_splitter::text_behind() const {
+    const bool is_behind = nesting_.depth() == 0 && began_ && allowed_ == behind_packets::text;
+    return is_behind ? std::string_view(buffer_).substr(position_) : std::string_view();
 }
 
 split_packet packet_splitter::finish() {

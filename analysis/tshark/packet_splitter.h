@@ -25,8 +25,14 @@ class not_a_packet : public std::runtime_error {
     not_a_packet() : std::runtime_error("output of tshark holds what is not a packet") {}
 };
 
+/// What may stand behind the array of packets, besides blanks.
+enum class behind_packets { nothing, text };
+
 class packet_splitter {
   public:
+    explicit packet_splitter(behind_packets allowed = behind_packets::nothing)
+        : allowed_(allowed) {}
+
     /// Takes more of the output, cut anywhere. Everything taken before must have been split: `next`
     /// has given nothing.
     void add(std::string_view output);
@@ -34,6 +40,9 @@ class packet_splitter {
     /// The next whole packet of what was taken; nothing when the rest of it is still to come.
     /// @throws not_a_packet, also from every later call
     std::optional<split_packet> next();
+
+    /// The text behind the array, of what was taken last; nothing where none is allowed.
+    std::string_view text_behind() const;
 
   private:
     split_packet finish();
@@ -44,6 +53,7 @@ class packet_splitter {
     std::string packet_;
     json_nesting nesting_;
     bool began_ = false;
+    behind_packets allowed_;
 };
 
 }  // namespace KIVRA::TSHARK::ANALYSIS
