@@ -1,7 +1,10 @@
 #include "replay/options.h"
 
 #include <algorithm>
+#include <charconv>
 #include <stdexcept>
+#include <string>
+#include <system_error>
 
 #include <CLI/CLI.hpp>
 
@@ -12,7 +15,7 @@ namespace {
 constexpr const char* exit_statuses =
     "Exit status:\n"
     "  0    every record went through\n"
-    "  1    some records failed\n"
+    "  1    some records failed, or a capture holds no record\n"
     "  2    the run could not start, or could not go on to the end\n"
     "  130  interrupted, as shells show a program that SIGINT ended";
 
@@ -20,11 +23,14 @@ constexpr const char* exit_statuses =
 struct command_line {
     bool session = false;
     bool json = false;
+    bool all = false;
     bool quiet = false;
     std::string output;
     std::string plugin;
     std::string tshark_directory;
     std::string profile = "kivra-profile.json";
+    std::vector<std::string> user_link_types;
+    std::vector<std::string> tshark_options;
     std::vector<std::string> captures;
 };
 
@@ -39,6 +45,9 @@ CLI::Option* add_place(CLI::App& app, const char* name, const char* type, std::s
 
 void add_report_options(CLI::App& app, command_line& line) {
     app.add_flag("--json", line.json, "Print JSON Lines, an object a record");
+    app.add_flag("--all", line.all,
+                 "Show every record in the table, also those that tell\n"
+                 "nothing new");
     app.add_flag("-q,--quiet", line.quiet,
                  "Print nothing for people but errors: no table, no\n"
                  "summary, no progress");
@@ -62,6 +71,47 @@ void add_run_options(CLI::App& app, command_line& line) {
               "(default: kivra-profile.json)");
 }
 
+void add_extraction_options(CLI::App& app, command_line& line) {
+    app.add_option("--user-dlt", line.user_link_types,
+                   "What a link type for private use (147 to 162) holds, by\n"
+                   "the dissector's name, as 149=mac-lte-framed; repeatable")
+        ->type_name("N=PROTOCOL")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    app.add_option("--tshark-option", line.tshark_options,
+                   "A further argument for the tshark that reads captures,\n"
+                   "as it stands; repeatable")
+        ->type_name("ARGUMENT")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+/// @param text "149=mac-lte-framed"
+user_link_type read_user_link_type(const std::string& text) {
+    const auto mark = std::min(text.find('='), text.size());
+    user_link_type result;
+    const char* const end = text.data() + mark;
+    const auto [behind, error] = std::from_chars(text.data(), end, result.number);
+    result.protocol = text.substr(std::min(mark + 1, text.size()));
+    // A quotation mark or a comma would end the field in tshark's own table.
+    if (error != std::errc() || behind != end || result.number < first_user_link_type ||
+        result.number > last_user_link_type || result.protocol.empty() ||
+        result.protocol.find_first_of("\",") != std::string::npos) {
+        throw std::runtime_error(
+            "--user-dlt " + text + " is not of the form N=PROTOCOL with N from " +
+            std::to_string(first_user_link_type) + " to " + std::to_string(last_user_link_type));
+    }
+    return result;
+}
+
+extraction_options extraction_options_of(const command_line& line) {
+    extraction_options options{.tshark_options = line.tshark_options};
+    for (const auto& text : line.user_link_types) {
+        options.user_link_types.push_back(read_user_link_type(text));
+    }
+    return options;
+}
+
 options options_of(const command_line& line) {
     if (std::ranges::count(line.captures, "-") > 1) {
         throw std::runtime_error("the standard input can be read only once");
@@ -72,7 +122,9 @@ options options_of(const command_line& line) {
             .profile = line.profile,
             .output = line.output,
             .json = line.json,
+            .all = line.all,
             .quiet = line.quiet,
+            .extraction = extraction_options_of(line),
             .captures = {line.captures.begin(), line.captures.end()}};
 }
 
@@ -84,14 +136,14 @@ std::variant<options, std::string> read_command_line(int count, const char* cons
         "kivra-replay");
     command_line line;
     app.add_option("CAPTURE", line.captures,
-                   "pcap or pcapng files of exported PDUs or raw IP packets\n"
-                   "(link types 252, 101, 228, 229), one stream in the order\n"
+                   "Files that Wireshark can open, one stream in the order\n"
                    "given; - for the standard input")
         ->required()
         ->type_name("")
         ->check(reject_empty);
     add_report_options(app, line);
     add_run_options(app, line);
+    add_extraction_options(app, line);
     app.set_version_flag("--version", "kivra-replay " KIVRA_VERSION);
     app.footer(exit_statuses);
 

@@ -6,6 +6,8 @@
 #include <variant>
 #include <vector>
 
+#include "replay/input/extraction/extraction_options.h"
+
 namespace KIVRA::TSHARK::REPLAY {
 
 struct options {
@@ -21,8 +23,12 @@ struct options {
     std::filesystem::path output;
     /// JSON Lines for programs, instead of a table for people.
     bool json = false;
+    /// Every record in the table, not only those that tell something new.
+    bool all = false;
     /// Nothing for people but errors.
     bool quiet = false;
+    /// How tshark reads captures that are not read directly.
+    extraction_options extraction;
     /// At least one; "-" at most once.
     std::vector<std::filesystem::path> captures;
 };

@@ -1,6 +1,7 @@
 #include "replay/replay.h"
 
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -50,6 +51,18 @@ fs::path tshark_directory(const options& wanted) {
                : wanted.tshark_directory;
 }
 
+/// The executable; a plug-in that is told of a folder without one says so itself.
+fs::path tshark_in(const fs::path& directory, const options& wanted) {
+    try {
+        return SINK::tshark_executable(directory);
+    } catch (const std::runtime_error&) {
+        if (wanted.plugin.empty()) {
+            throw;
+        }
+        return directory / "tshark";
+    }
+}
+
 std::vector<std::unique_ptr<report>> reports_for(const options& wanted, output& out,
                                                  const profile_file& profile) {
     std::vector<std::unique_ptr<report>> reports;
@@ -57,7 +70,7 @@ std::vector<std::unique_ptr<report>> reports_for(const options& wanted, output& 
         reports.push_back(std::make_unique<json_lines>(out.stream()));
     } else if (!wanted.quiet) {
         reports.push_back(
-            std::make_unique<table_report>(out.stream(), out.takes_colour(), profile));
+            std::make_unique<table_report>(out.stream(), out.takes_colour(), wanted.all, profile));
     }
     return reports;
 }
@@ -78,6 +91,7 @@ class replay_run {
   private:
     std::optional<trace_record> next_of(capture_stream& records);
     void add(const trace_record& record, const outcome& result);
+    void complain(const std::exception& error);
     void print_count() const;
     exit_status status() const;
 
@@ -93,6 +107,7 @@ class replay_run {
     std::uint64_t reported_ = 0;
     std::uint64_t failed_ = 0;
     bool capture_broke_ = false;
+    bool a_capture_is_empty_ = false;
 };
 
 exit_status replay_run::run(const std::string& heading, capture_stream& records) {
@@ -112,7 +127,7 @@ exit_status replay_run::run(const std::string& heading, capture_stream& records)
     }
     progress_->clear();
     for (const auto& form : reports_) {
-        form->end();
+        form->end(records.content());
     }
     out_.flush();
     print_count();
@@ -128,17 +143,24 @@ std::optional<trace_record> replay_run::next_of(capture_stream& records) {
     while (!PLATFORM::interrupted()) {
         try {
             return records.next();
+        } catch (const no_records& error) {
+            a_capture_is_empty_ = true;
+            complain(error);
         } catch (const capture_error& error) {
             // An interruption breaks off a read.
             if (!PLATFORM::interrupted()) {
                 capture_broke_ = true;
-                catch_up();
-                progress_->clear();
-                print_error(error.what());
+                complain(error);
             }
         }
     }
     return std::nullopt;
+}
+
+void replay_run::complain(const std::exception& error) {
+    catch_up();
+    progress_->clear();
+    print_error(error.what());
 }
 
 void replay_run::add(const trace_record& record, const outcome& result) {
@@ -161,7 +183,7 @@ exit_status replay_run::status() const {
     if (capture_broke_) {
         return broken_off;
     }
-    return failed_ == 0 ? all_went_through : some_failed;
+    return failed_ == 0 && !a_capture_is_empty_ ? all_went_through : some_failed;
 }
 
 /// A runner, and what it is, for people.
@@ -170,17 +192,18 @@ struct described_runner {
     std::string description;
 };
 
-described_runner runner_for(const options& wanted) {
-    const auto directory = tshark_directory(wanted);
+described_runner runner_for(const options& wanted, const fs::path& directory,
+                            const fs::path& tshark) {
     if (wanted.plugin.empty()) {
-        return {std::make_unique<in_process>(SINK::tshark_executable(directory), wanted.profile),
+        return {std::make_unique<in_process>(tshark, wanted.profile),
                 "one tshark in " + directory.string() + " for all records"};
     }
     const auto loaded = std::make_shared<const plugin>(wanted.plugin);
     const auto description = loaded->describe();
-    return {std::make_unique<plugin_sink>(loaded, directory, wanted.profile, wanted.session),
-            wanted.plugin.string() + ' ' + description.version +
-                (wanted.session ? ", one tshark in " : ", tshark in ") + directory.string()};
+    return {
+        std::make_unique<plugin_sink>(loaded, directory, tshark, wanted.profile, wanted.session),
+        wanted.plugin.string() + ' ' + description.version +
+            (wanted.session ? ", one tshark in " : ", tshark in ") + directory.string()};
 }
 
 }  // namespace
@@ -188,10 +211,12 @@ described_runner runner_for(const options& wanted) {
 exit_status replay(const options& wanted) {
     refuse_to_overwrite_captures(wanted);
     const profile_file profile(wanted.profile);
-    const auto [runner, description] = runner_for(wanted);
+    const auto directory = tshark_directory(wanted);
+    const auto tshark = tshark_in(directory, wanted);
+    const auto [runner, description] = runner_for(wanted, directory, tshark);
     output out(wanted.output);
     replay_run run(wanted, out, reports_for(wanted, out, profile), *runner);
-    capture_stream records(wanted.captures, [&run] { run.catch_up(); });
+    capture_stream records(wanted.captures, tshark, wanted.extraction, [&run] { run.catch_up(); });
     return run.run(description, records);
 }
 

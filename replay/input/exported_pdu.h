@@ -13,4 +13,8 @@ namespace KIVRA::TSHARK::REPLAY {
 /// @throws std::runtime_error when the tags don't end within the packet, or name no dissector
 captured_message read_exported_pdu(std::span<const std::uint8_t> packet);
 
+/// Whether the packet says by a table of dissectors, as that of UDP ports, who reads it, and not by
+/// a dissector's name.
+bool names_dissector_table(std::span<const std::uint8_t> packet);
+
 }  // namespace KIVRA::TSHARK::REPLAY

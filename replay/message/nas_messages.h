@@ -1,4 +1,4 @@
-/// The names of the messages of EPS mobility management.
+/// The names of NAS messages: of EPS mobility management (EMM) and session management (ESM).
 #pragma once
 
 #include <array>
@@ -7,13 +7,13 @@
 
 namespace KIVRA::TSHARK::REPLAY {
 
-struct emm_message {
+struct nas_message {
     std::uint8_t type;
     std::string_view name;
 };
 
 /// 3GPP TS 24.301, 9.8 (message type), table 9.8.1.
-inline constexpr std::array<emm_message, 32> emm_messages{{
+inline constexpr std::array<nas_message, 32> emm_messages{{
     {0x41, "Attach request"},
     {0x42, "Attach accept"},
     {0x43, "Attach complete"},
@@ -46,6 +46,37 @@ inline constexpr std::array<emm_message, 32> emm_messages{{
     {0x64, "CS service notification"},
     {0x68, "Downlink generic NAS transport"},
     {0x69, "Uplink generic NAS transport"},
+}};
+
+/// 3GPP TS 24.301, 9.8 (message type), table 9.8.2.
+inline constexpr std::array<nas_message, 27> esm_messages{{
+    {0xc1, "Activate default EPS bearer context request"},
+    {0xc2, "Activate default EPS bearer context accept"},
+    {0xc3, "Activate default EPS bearer context reject"},
+    {0xc5, "Activate dedicated EPS bearer context request"},
+    {0xc6, "Activate dedicated EPS bearer context accept"},
+    {0xc7, "Activate dedicated EPS bearer context reject"},
+    {0xc9, "Modify EPS bearer context request"},
+    {0xca, "Modify EPS bearer context accept"},
+    {0xcb, "Modify EPS bearer context reject"},
+    {0xcd, "Deactivate EPS bearer context request"},
+    {0xce, "Deactivate EPS bearer context accept"},
+    {0xd0, "PDN connectivity request"},
+    {0xd1, "PDN connectivity reject"},
+    {0xd2, "PDN disconnect request"},
+    {0xd3, "PDN disconnect reject"},
+    {0xd4, "Bearer resource allocation request"},
+    {0xd5, "Bearer resource allocation reject"},
+    {0xd6, "Bearer resource modification request"},
+    {0xd7, "Bearer resource modification reject"},
+    {0xd9, "ESM information request"},
+    {0xda, "ESM information response"},
+    {0xdb, "Notification"},
+    {0xdc, "ESM dummy message"},
+    {0xe8, "ESM status"},
+    {0xe9, "Remote UE report"},
+    {0xea, "Remote UE report response"},
+    {0xeb, "ESM data transport"},
 }};
 
 }  // namespace KIVRA::TSHARK::REPLAY

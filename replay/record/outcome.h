@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "replay/record/message_description.h"
 #include "replay/record/record_failure.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -19,6 +20,7 @@ struct log_message {
 };
 
 struct outcome {
+    message_description message = {};
     /// The result document; null when there is none.
     nlohmann::json document = {};
     std::vector<log_message> log = {};

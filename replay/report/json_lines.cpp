@@ -18,6 +18,9 @@ void json_lines::add(std::uint64_t number, const trace_record& record, const out
     } else {
         line["result"] = result.document;
     }
+    if (result.message.is_malformed) {
+        line["malformed"] = true;
+    }
     auto& log = line["log"] = json::array();
     for (const auto& [level, text] : result.log) {
         log.push_back({{"level", level}, {"message", text}});
@@ -25,6 +28,6 @@ void json_lines::add(std::uint64_t number, const trace_record& record, const out
     out_ << line.dump(-1, ' ', false, json::error_handler_t::replace) << '\n';
 }
 
-void json_lines::end() {}
+void json_lines::end(const capture_content& /*captures*/) {}
 
 }  // namespace KIVRA::TSHARK::REPLAY

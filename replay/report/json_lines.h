@@ -28,7 +28,7 @@ class json_lines final : public report {
 
     void begin(const std::string& heading) override;
     void add(std::uint64_t number, const trace_record& record, const outcome& result) override;
-    void end() override;
+    void end(const capture_content& captures) override;
 
   private:
     std::ostream& out_;

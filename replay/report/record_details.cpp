@@ -2,12 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <span>
 #include <string_view>
 #include <utility>
-
-#include "replay/report/emm_messages.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -77,15 +74,6 @@ std::string text_at(const json& document, const char* path) {
     return value == nullptr ? "" : text_of(*value);
 }
 
-std::string emm_message_name(const std::string& type) {
-    const bool is_hexadecimal = type.starts_with("0x");
-    const std::string_view digits = std::string_view(type).substr(is_hexadecimal ? 2 : 0);
-    unsigned number = 0;
-    std::from_chars(digits.data(), digits.data() + digits.size(), number, is_hexadecimal ? 16 : 10);
-    const auto message = std::ranges::find(emm_messages, number, &emm_message::type);
-    return message == emm_messages.end() ? "EMM message type " + type : std::string(message->name);
-}
-
 /// "10 seconds (00000101)"; the octet alone where its unit is not known.
 std::string timer_text(const json& timer) {
     const std::string unit = text_at(timer, "/unit");
@@ -108,29 +96,37 @@ std::string operator_text(const json& document) {
     return text;
 }
 
+/// What the modem asks for, or a reject holds, is not what the network grants.
+std::string_view role_of(message_kind kind) {
+    switch (kind) {
+        case message_kind::request:
+            return "requested ";
+        case message_kind::reject:
+            return "rejected ";
+        case message_kind::other:
+            return "";
+    }
+    return "";
+}
+
 class details_reader {
   public:
-    explicit details_reader(const json& document) : document_(document) {}
+    explicit details_reader(const outcome& result)
+        : document_(result.document), message_(result.message) {}
 
-    void read_messages() {
-        add_message(text_at(document_, "/lte-rrc/connection_state"));
-        if (const auto type = text_at(document_, "/nas-eps/nas_msg_emm_type"); !type.empty()) {
-            add_message(emm_message_name(type));
-        }
-    }
-
-    void read_values(std::span<const named_value> candidates) {
+    /// @param whose in front of the names
+    void read_values(std::span<const named_value> candidates, std::string_view whose) {
         for (const auto& [pointer, name, unit] : candidates) {
             if (const json* value = value_at(document_, pointer)) {
-                add_value(name, text_of(*value).append(unit));
+                add_value(std::string(whose).append(name), text_of(*value).append(unit));
             }
         }
     }
 
-    void read_timers() {
+    void read_timers(std::string_view whose) {
         for (const auto& timer : timers) {
             if (const json* value = value_at(document_, timer.pointer)) {
-                add_value(timer.name, timer_text(*value));
+                add_value(std::string(whose).append(timer.name), timer_text(*value));
             }
         }
     }
@@ -141,26 +137,30 @@ class details_reader {
         }
     }
 
-    void read_addresses_of(const char* pointer) {
+    void read_addresses_of(const char* pointer, std::string_view whose) {
         if (const json* tree = value_at(document_, pointer)) {
-            read_addresses(*tree);
+            read_addresses(*tree, whose);
         }
     }
 
-    void read_cause() {
-        if (value_at(document_, "/nas-eps/cause") != nullptr) {
-            add_value("cause", text_at(document_, "/nas-eps/cause/code") + ' ' +
-                                   text_at(document_, "/nas-eps/cause/reason"));
+    /// The dissection has those of mobility management, too.
+    void read_causes() {
+        for (const auto& [name, text] : message_.causes) {
+            add_value(name, text);
+        }
+        if (message_.causes.empty() && value_at(document_, "/nas-eps/cause") != nullptr) {
+            add_value("ESM cause", text_at(document_, "/nas-eps/cause/code") + ": " +
+                                       text_at(document_, "/nas-eps/cause/reason"));
         }
     }
 
-    record_details take() && { return std::move(details_); }
+    std::vector<detail_value> take() && { return std::move(values_); }
 
   private:
-    void read_addresses(const json& tree) {
+    void read_addresses(const json& tree, std::string_view whose) {
         for (const auto& [member, value] : tree.items()) {
             if (value.is_structured()) {
-                read_addresses(value);
+                read_addresses(value, whose);
                 continue;
             }
             const auto address =
@@ -168,37 +168,32 @@ class details_reader {
                     return std::string_view(name).ends_with(candidate.member_end);
                 });
             if (address != addresses.end()) {
-                add_value(address->name, text_of(value));
+                add_value(std::string(whose).append(address->name), text_of(value));
             }
         }
     }
 
-    void add_message(std::string name) {
-        if (!name.empty()) {
-            details_.messages.push_back(std::move(name));
-        }
-    }
-
     void add_value(std::string_view name, std::string value) {
-        details_.values.push_back({std::string(name), std::move(value)});
+        values_.push_back({std::string(name), std::move(value)});
     }
 
     const json& document_;
-    record_details details_;
+    const message_description& message_;
+    std::vector<detail_value> values_;
 };
 
 }  // namespace
 
-record_details details_of(const json& document) {
-    details_reader reader(document);
-    reader.read_messages();
-    reader.read_values(rrc_values);
-    reader.read_timers();
+std::vector<detail_value> details_of(const outcome& result) {
+    details_reader reader(result);
+    reader.read_values(rrc_values, "");
+    const std::string_view whose = role_of(result.message.kind);
+    reader.read_timers(whose);
     reader.read_operator();
-    reader.read_values(nas_values);
-    reader.read_addresses_of("/nas-eps/pdn");
-    reader.read_addresses_of("/nas-eps/dns_server_address_config");
-    reader.read_cause();
+    reader.read_values(nas_values, whose);
+    reader.read_addresses_of("/nas-eps/pdn", whose);
+    reader.read_addresses_of("/nas-eps/dns_server_address_config", whose);
+    reader.read_causes();
     return std::move(reader).take();
 }
 

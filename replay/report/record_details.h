@@ -1,10 +1,10 @@
-/// What a result document tells, by the names that engineers use.
+/// What a record tells, by the names that engineers use.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
+#include "replay/record/outcome.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -14,13 +14,7 @@ struct detail_value {
     std::string value;
 };
 
-struct record_details {
-    /// The messages of the record, such as "rrcConnectionSetup" or "Attach accept".
-    std::vector<std::string> messages = {};
-    std::vector<detail_value> values = {};
-};
-
-/// Nothing for a null document.
-record_details details_of(const nlohmann::json& document);
+/// The values of the result document, and why the network rejects.
+std::vector<detail_value> details_of(const outcome& result);
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "replay/record/capture_content.h"
 #include "replay/record/outcome.h"
 #include "replay/record/record.h"
 
@@ -25,8 +26,9 @@ class report {
     virtual void add(std::uint64_t number, const trace_record& record, const outcome& result) = 0;
 
     /// Called once, behind the last record; not when the run broke off.
+    /// @param captures what was read
     /// @throws std::runtime_error when the run's profile can't be read
-    virtual void end() = 0;
+    virtual void end(const capture_content& captures) = 0;
 };
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -5,6 +5,7 @@
 #include <ostream>
 #include <string_view>
 
+#include "replay/record/record_format.h"
 #include "replay/report/diagnostic_help.h"
 #include "replay/report/formatting.h"
 
@@ -14,9 +15,10 @@ namespace {
 
 constexpr std::string_view indent = "    ";
 
-/// How wide names are printed; the longest of a message has 30 characters.
+/// How wide names are printed.
 constexpr int name_width = 32;
 constexpr int value_width = 12;
+constexpr int count_width = 9;
 constexpr std::size_t line_width = 100;
 
 /// How many changes of a value are shown, but for the last.
@@ -40,16 +42,37 @@ void print_wrapped(std::ostream& out, std::string_view text, std::string_view li
     }
 }
 
+/// What to know about a format that is not analysed.
+std::string analysis_note(const std::string& format) {
+    if (format.empty() || is_analysed(format)) {
+        return {};
+    }
+    const auto nearest = nearest_analysed(format);
+    return nearest.empty() ? "; not analysed"
+                           : "; not analysed: tshark knows " + std::string(nearest);
+}
+
+void print_sighting(std::ostream& out, std::string_view what, const auto& seen) {
+    if (seen.count != 0) {
+        out << indent << std::left << std::setw(name_width) << what << seen.count << " (first in "
+            << in_record(seen.first_record) << ")\n";
+    }
+}
+
 }  // namespace
 
 void summary::add(std::uint64_t number, const trace_record& record, const outcome& result,
-                  const record_details& details) {
+                  const std::vector<detail_value>& details) {
     count(all_, result);
     count(formats_[record.format], result);
-    for (const auto& message : details.messages) {
-        ++messages_[message];
+    ++messages_[result.message.name];
+    if (result.message.is_malformed) {
+        malformed_.add(number);
     }
-    for (const auto& value : details.values) {
+    if (result.message.is_ciphered) {
+        ciphered_.add(number);
+    }
+    for (const auto& value : details) {
         add_value(number, value);
     }
     if (result.failure) {
@@ -61,6 +84,12 @@ void summary::add(std::uint64_t number, const trace_record& record, const outcom
         }
     }
     sources_.follow(number, result.document);
+}
+
+void summary::sighting::add(std::uint64_t number) {
+    if (count++ == 0) {
+        first_record = number;
+    }
 }
 
 void summary::count(tally& counts, const outcome& result) {
@@ -90,13 +119,15 @@ void summary::add_diagnostic(std::uint64_t number, const std::string& text, std:
     ++entry.count;
 }
 
-void summary::print(std::ostream& out, const profile_file& profile) const {
+void summary::print(std::ostream& out, const profile_file& profile,
+                    const capture_content& captures) const {
     out << '\n'
         << pluralise(all_.records, "record") << ": " << all_.with_result << " with a result, "
         << all_.records - all_.with_result - all_.failed << " without, " << all_.failed
         << " failed\n";
     print_formats(out);
     print_messages(out);
+    print_unreadable(out, captures);
     print_values(out);
     print_diagnostics(out);
     print_profile(out, profile);
@@ -106,7 +137,8 @@ void summary::print_formats(std::ostream& out) const {
     for (const auto& [format, counts] : formats_) {
         out << indent << std::left << std::setw(name_width)
             << (format.empty() ? "(no format)" : printable(format)) << counts.records << ": "
-            << counts.with_result << " with a result, " << counts.failed << " failed\n";
+            << counts.with_result << " with a result, " << counts.failed << " failed"
+            << analysis_note(format) << '\n';
     }
 }
 
@@ -116,7 +148,20 @@ void summary::print_messages(std::ostream& out) const {
     }
     out << "\nmessages\n";
     for (const auto& [message, count] : messages_) {
-        out << indent << std::left << std::setw(name_width) << printable(message) << count << '\n';
+        out << std::right << std::setw(count_width) << count << " x " << printable(message) << '\n';
+    }
+}
+
+void summary::print_unreadable(std::ostream& out, const capture_content& captures) const {
+    if (malformed_.count == 0 && ciphered_.count == 0 && captures.encrypted_rrc == 0) {
+        return;
+    }
+    out << "\nnot readable, or not to the end\n";
+    print_sighting(out, "malformed messages", malformed_);
+    print_sighting(out, "ciphered NAS messages", ciphered_);
+    if (captures.encrypted_rrc != 0) {
+        out << indent << std::left << std::setw(name_width) << "encrypted RRC signalling"
+            << pluralise(captures.encrypted_rrc, "packet") << '\n';
     }
 }
 
@@ -162,7 +207,24 @@ void summary::print_profile(std::ostream& out, const profile_file& profile) cons
     } else {
         out << ": not written by this run: the records did not give both idrx_int and "
                "idrx_reps\n";
+        print_wrapped(out, reason_for_no_profile(), indent);
     }
+}
+
+/// What is missing, and why it may be.
+std::string summary::reason_for_no_profile() const {
+    const auto saw_channel = [this](std::string_view name) {
+        return std::ranges::any_of(
+            messages_, [name](const auto& entry) { return entry.first.starts_with(name); });
+    };
+    const bool saw_plain_lte = saw_channel("BCCH-DL-SCH, ");
+    const bool saw_iot = saw_channel("BCCH-DL-SCH BR") || saw_channel("BCCH-DL-SCH NB");
+    if (saw_plain_lte && !saw_iot) {
+        return "Plain LTE cells broadcast no paging repetitions; those for LTE-M (BCCH-DL-SCH BR) "
+               "and for NB-IoT (BCCH-DL-SCH NB) do, in system information block 2.";
+    }
+    return saw_iot ? "No system information block 2 with both was among the records."
+                   : "Both come from system information (BCCH), of which there was none.";
 }
 
 void summary::print_members(std::ostream& out, const profile_content& content) const {

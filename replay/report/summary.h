@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "replay/record/capture_content.h"
 #include "replay/record/outcome.h"
 #include "replay/record/record.h"
 #include "replay/report/profile_file.h"
@@ -48,12 +49,14 @@ class named_things {
 
 class summary {
   public:
-    /// @param details of the record's result document
+    /// @param details of the record
     void add(std::uint64_t number, const trace_record& record, const outcome& result,
-             const record_details& details);
+             const std::vector<detail_value>& details);
 
+    /// @param captures what was read
     /// @throws std::runtime_error when the profile was written but can't be read
-    void print(std::ostream& out, const profile_file& profile) const;
+    void print(std::ostream& out, const profile_file& profile,
+               const capture_content& captures) const;
 
   private:
     struct tally {
@@ -76,12 +79,22 @@ class summary {
         std::string_view help;
     };
 
+    /// Records with something in common.
+    struct sighting {
+        std::uint64_t count = 0;
+        std::uint64_t first_record = 0;
+
+        void add(std::uint64_t number);
+    };
+
     static void count(tally& counts, const outcome& result);
     void add_value(std::uint64_t number, const detail_value& value);
     void add_diagnostic(std::uint64_t number, const std::string& text, std::string_view help);
 
     void print_formats(std::ostream& out) const;
     void print_messages(std::ostream& out) const;
+    void print_unreadable(std::ostream& out, const capture_content& captures) const;
+    std::string reason_for_no_profile() const;
     void print_values(std::ostream& out) const;
     void print_diagnostics(std::ostream& out) const;
     void print_profile(std::ostream& out, const profile_file& profile) const;
@@ -90,6 +103,8 @@ class summary {
     tally all_;
     named_things<tally> formats_;
     named_things<std::uint64_t> messages_;
+    sighting malformed_;
+    sighting ciphered_;
     named_things<value_history> values_;
     named_things<diagnostic> diagnostics_;
     profile_sources sources_;

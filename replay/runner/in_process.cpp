@@ -7,6 +7,7 @@
 
 #include "analysis/analysis_run.h"
 #include "context/unique_path.h"
+#include "replay/message/describe_message.h"
 #include "sink/error_capture.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -60,7 +61,7 @@ void in_process::finish_first(const outcome_handler& handler) {
     const pending_record first = std::move(pending_.front());
     pending_.pop_front();
     pending_bytes_ -= first.payload.size();
-    current_ = {};
+    current_ = {.message = describe_record(first.record)};
     if (first.record.failure) {
         current_.failure = first.record.failure;
     } else {
@@ -73,7 +74,8 @@ void in_process::run(const trace_record& record) {
     const auto result = SINK::capture_data_errors(context_, [&] {
         ANALYSIS::analyse_record(
             context_, chunk_of(record), source_,
-            [this](nlohmann::json document) { current_.document = std::move(document); });
+            [this](nlohmann::json document) { current_.document = std::move(document); },
+            [this](const nlohmann::json& packet) { current_.message = describe_packet(packet); });
     });
     if (result != KIVRA_RESULT_SUCCESS) {
         current_.failure = {failure_kind::analysis, context_.last_error_text};

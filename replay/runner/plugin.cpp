@@ -64,8 +64,9 @@ plugin_description plugin::describe() const {
 
 plugin_sink::plugin_sink(std::shared_ptr<const plugin> loaded,
                          const std::filesystem::path& tshark_directory,
-                         const std::filesystem::path& profile, bool session)
-    : plugin_(std::move(loaded)) {
+                         const std::filesystem::path& tshark, const std::filesystem::path& profile,
+                         bool session)
+    : messages_(tshark), plugin_(std::move(loaded)) {
     std::string reason = "no reason given";
     kivra_init_parameters parameters{};
     parameters.entries[0].key = "tshark_directory";
@@ -95,7 +96,7 @@ plugin_sink::~plugin_sink() {
 }
 
 void plugin_sink::submit(const trace_record& record, const outcome_handler& handler) {
-    current_ = {};
+    current_ = {.message = messages_.read(record)};
     if (record.failure) {
         current_.failure = record.failure;
     } else {

@@ -9,6 +9,7 @@
 #include <kivra/tshark_sink.h>
 
 #include "platform/console/shared_library.h"
+#include "replay/runner/message_reader.h"
 #include "replay/runner/record_runner.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -49,10 +50,13 @@ class plugin {
 /// was completed.
 class plugin_sink final : public record_runner {
   public:
+    /// @param tshark the executable in that directory, for what the plug-in does not tell of
+    /// records
     /// @param session whether one tshark is to serve all records
     /// @throws std::runtime_error with the plug-in's reason when it refuses
     plugin_sink(std::shared_ptr<const plugin> loaded, const std::filesystem::path& tshark_directory,
-                const std::filesystem::path& profile, bool session = false);
+                const std::filesystem::path& tshark, const std::filesystem::path& profile,
+                bool session = false);
     ~plugin_sink() override;
     plugin_sink(const plugin_sink&) = delete;
     plugin_sink& operator=(const plugin_sink&) = delete;
@@ -65,6 +69,7 @@ class plugin_sink final : public record_runner {
     void run(const trace_record& record);
 
     outcome current_;
+    message_reader messages_;
     std::shared_ptr<const plugin> plugin_;
     kivra_sink_context* context_ = nullptr;
     bool completed_ = false;

@@ -1,10 +1,11 @@
 #include "tests/replay/sample_records.h"
 
 #include <cstddef>
+#include <memory>
 #include <regex>
 #include <string_view>
 
-#include "replay/input/capture.h"
+#include "replay/input/direct_capture.h"
 #include "tests/support/files.h"
 
 namespace KIVRA::TSHARK::TESTING {
@@ -19,7 +20,8 @@ image_packet image_of(const REPLAY::trace_record& record) {
 }  // namespace
 
 std::vector<image_packet> records_of(const char* sample) {
-    REPLAY::capture source(capture_file(sample));
+    REPLAY::direct_capture source(
+        sample, std::make_unique<PLATFORM::input_stream>(capture_file(sample), nullptr));
     std::vector<image_packet> packets;
     while (const auto packet = source.next()) {
         packets.push_back(image_of(*packet));

@@ -1,0 +1,56 @@
+/// Captures that tshark reads: whatever it can open, with messages in whatever carries them.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/console/input_stream.h"
+#include "replay/input/capture.h"
+#include "replay/input/extraction/extracting_tshark.h"
+#include "replay/input/extraction/extraction_options.h"
+#include "replay/input/extraction/nas_inside_rrc.h"
+
+namespace KIVRA::TSHARK::REPLAY {
+
+/// Each outermost RRC or NAS message is a record, and so is each router advertisement. tshark
+/// starts with the first one that is asked for.
+class extracted_capture final : public capture {
+  public:
+    /// @param name what messages call the capture
+    /// @param tshark the executable
+    /// @param file read by tshark itself; the empty path: `stream` is read instead, and fed to it
+    extracted_capture(std::string name, std::filesystem::path tshark, std::filesystem::path file,
+                      std::unique_ptr<PLATFORM::input_stream> stream, extraction_options options);
+
+    std::optional<trace_record> next() override;
+    capture_content content() const override;
+    std::uint64_t size() const override { return 0; }
+    std::uint64_t position() const override { return 0; }
+
+  private:
+    void start(extraction_depth depth);
+    extraction_state read_packet();
+    void add(extracted_packet packet);
+    void explain_user_link_type() const;
+    trace_record handed_out(extracted_record record);
+
+    std::string name_;
+    std::filesystem::path tshark_;
+    std::filesystem::path file_;
+    std::unique_ptr<PLATFORM::input_stream> stream_;
+    extraction_options options_;
+    extraction_depth depth_ = extraction_depth::everything;
+    std::optional<extracting_tshark> process_;
+    nas_inside_rrc records_;
+    /// The one that was given last, whose bytes the caller may use until the next.
+    extracted_record current_;
+    std::uint64_t last_packet_ = 0;
+    std::uint64_t encrypted_rrc_ = 0;
+    std::optional<int> user_link_type_;
+    bool found_records_ = false;
+    bool ended_ = false;
+};
+
+}  // namespace KIVRA::TSHARK::REPLAY

@@ -1,0 +1,26 @@
+/// What the user says about captures that tshark reads.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace KIVRA::TSHARK::REPLAY {
+
+/// Link types for private use, as libpcap numbers them (DLT_USER0 to DLT_USER15).
+constexpr int first_user_link_type = 147;
+constexpr int last_user_link_type = 162;
+
+/// What the packets of such a link type hold.
+struct user_link_type {
+    int number = first_user_link_type;
+    /// The dissector's name.
+    std::string protocol = {};
+};
+
+struct extraction_options {
+    std::vector<user_link_type> user_link_types = {};
+    /// Further arguments for tshark, each as it stands.
+    std::vector<std::string> tshark_options = {};
+};
+
+}  // namespace KIVRA::TSHARK::REPLAY

@@ -1,0 +1,40 @@
+/// What a record's message is, as tshark shows it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace KIVRA::TSHARK::REPLAY {
+
+/// Who a message's values come from.
+enum class message_kind {
+    /// The modem asks for them.
+    request,
+    /// The network refuses, and may say when to try again.
+    reject,
+    other,
+};
+
+/// Why the network rejects.
+struct message_cause {
+    /// "EMM cause" or "ESM cause".
+    std::string name;
+    /// "15: No suitable cells in tracking area".
+    std::string text;
+};
+
+struct message_description {
+    /// For example "BCCH-DL-SCH, SystemInformationBlockType1" or "Attach accept, Activate default
+    /// EPS bearer context request"; never empty.
+    std::string name = {};
+    message_kind kind = message_kind::other;
+    std::vector<message_cause> causes = {};
+    /// It begins, changes or ends a connection, a registration or a session.
+    bool is_procedure = false;
+    /// tshark could not read it to its end.
+    bool is_malformed = false;
+    /// A NAS message that nobody without the keys can read.
+    bool is_ciphered = false;
+};
+
+}  // namespace KIVRA::TSHARK::REPLAY

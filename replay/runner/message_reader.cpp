@@ -1,0 +1,35 @@
+#include "replay/runner/message_reader.h"
+
+#include <exception>
+#include <string>
+#include <utility>
+
+#include <nlohmann/json.hpp>
+
+#include "analysis/analysis_run.h"
+#include "context/unique_path.h"
+#include "replay/message/describe_message.h"
+#include "replay/runner/record_runner.h"
+
+namespace KIVRA::TSHARK::REPLAY {
+
+message_reader::message_reader(std::filesystem::path tshark)
+    : context_(nullptr, nullptr, std::move(tshark), unique_path("tshark", "json"), {}) {}
+
+message_description message_reader::read(const trace_record& record) {
+    auto description = describe_record(record);
+    try {
+        if (const auto packet = ANALYSIS::packet_for_tshark(chunk_of(record))) {
+            source_.dissect(context_, *packet, [&](const std::string& output) {
+                for (const auto& dissection : nlohmann::json::parse(output)) {
+                    description = describe_packet(dissection);
+                }
+            });
+        }
+    } catch (const std::exception&) {
+        // The plug-in meets the same and says so.
+    }
+    return description;
+}
+
+}  // namespace KIVRA::TSHARK::REPLAY
