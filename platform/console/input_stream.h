@@ -1,82 +1,66 @@
-/// A file, a pipe or the standard input as a stream for C code, which says when it is about to
-/// wait.
+/// A file, a pipe or the standard input that is read once, after a look at its beginning, and that
+/// says when its reader is about to wait.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <exception>
 #include <filesystem>
 #include <functional>
-#include <optional>
 #include <span>
 #include <string>
 
-#include "platform/piped_process.h"
+#include "platform/console/input_source.h"
 
 namespace KIVRA::TSHARK::PLATFORM {
 
-/// Stays where it is as long as its stream is read.
 class input_stream {
   public:
     /// @param file empty for the standard input
-    /// @param before_waiting called each time when nothing more can be read at once; may be none.
-    ///     What it throws ends the stream, see `rethrow`
+    /// @param before_waiting called each time when nothing more can be read at once; may be none
     /// @throws std::system_error when the file can't be opened
     input_stream(const std::filesystem::path& file, std::function<void()> before_waiting);
-    ~input_stream();
-    input_stream(const input_stream&) = delete;
-    input_stream& operator=(const input_stream&) = delete;
-
-    /// A new stream that reads on; the caller closes it, before the object ends.
-    /// @throws std::system_error
-    std::FILE* open();
 
     /// Reads again from where the first reading began. What was read of a pipe until then comes out
     /// of memory; from the second reading on nothing is kept.
     void rewind();
 
-    /// Whether it is a file of a disk, which any program can open and read from its beginning.
-    bool is_regular_file() const;
-
     /// Reads what there is, without waiting and without the callback.
-    /// @return how many bytes; 0 when there is nothing at once, or nothing more at all, see
-    ///     `at_end`
+    /// @return how many bytes; 0 when there is nothing at once, or nothing more at all
     /// @throws std::system_error
     std::size_t read_available(std::span<char> room);
 
-    /// Whether `read_available` has come to the end.
-    bool at_end() const { return at_end_; }
+    /// The same, but waits for something to read, with a call of the callback before.
+    /// @return 0 at the end alone
+    /// @throws std::system_error, and what the callback throws
+    std::size_t read(std::span<char> room);
 
-    /// To wait for more.
-    waitable ready() const { return descriptor_; }
-
-    /// Calls the callback that waiting is announced with, if there is one.
+    /// Calls the callback, for a reader who waits by himself.
     void announce() const;
 
-    /// Throws what the callback has thrown.
-    void rethrow();
+    /// Whether reading has come to the end.
+    bool at_end() const { return !is_repeating() && source_.at_end(); }
+
+    /// To wait for more.
+    waitable ready() const { return source_.ready(); }
+
+    /// Whether it is a file of a disk, which any program can open and read from its beginning.
+    bool is_regular_file() const { return source_.is_regular_file(); }
 
     /// The size in bytes; 0 where there is none, as of a pipe.
-    std::uint64_t size() const;
+    std::uint64_t size() const { return source_.size(); }
 
     /// How many bytes have been read.
     std::uint64_t position() const { return position_; }
 
   private:
-    static ssize_t read_some(void* self, char* buffer, std::size_t size);
-    ssize_t read(std::span<char> room);
-    void announce_waiting();
+    bool is_repeating() const { return is_rewound_ && repeated_ < beginning_.size(); }
 
-    int descriptor_;
-    /// Where in a file of a disk the reading began; nothing for what has no places.
-    std::optional<std::uint64_t> start_;
-    /// The beginning of a pipe: what was read before `rewind`, and how much of it after.
+    input_source source_;
+    std::function<void()> before_waiting_;
+    /// What was read of a pipe before `rewind`, and how much of it after.
     std::string beginning_;
     std::size_t repeated_ = 0;
     bool is_rewound_ = false;
-    bool at_end_ = false;
-    std::function<void()> before_waiting_;
-    std::exception_ptr thrown_;
     std::uint64_t position_ = 0;
 };
 

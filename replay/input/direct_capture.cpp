@@ -2,7 +2,7 @@
 
 #include <array>
 #include <cstdio>
-#include <stdexcept>
+#include <system_error>
 #include <utility>
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -10,21 +10,21 @@ namespace KIVRA::TSHARK::REPLAY {
 direct_capture::direct_capture(std::string name, std::unique_ptr<PLATFORM::input_stream> stream)
     : name_(std::move(name)), stream_(std::move(stream)) {
     read_head();
-    const int link_type = pcap_datalink(handle_.get());
-    read_packet_ = packet_reader_of(link_type);
-    if (read_packet_ == nullptr) {
-        throw capture_error(name_, "no packets of link type " + std::to_string(link_type) +
-                                       " can be read directly");
+    const int number = pcap_datalink(handle_.get());
+    type_ = link_type_of_dlt(number);
+    if (type_ == nullptr) {
+        throw capture_error(
+            name_, "no packets of link type " + std::to_string(number) + " can be read directly");
     }
 }
 
 void direct_capture::read_head() {
-    std::FILE* stream = stream_->open();
+    std::FILE* stream = c_stream_.open();
     std::array<char, PCAP_ERRBUF_SIZE> reason{};
     handle_.reset(pcap_fopen_offline(stream, reason.data()));
     if (handle_ == nullptr) {
         static_cast<void>(std::fclose(stream));
-        stream_->rethrow();
+        rethrow();
         throw capture_error(name_, reason.data());
     }
 }
@@ -33,32 +33,26 @@ std::optional<trace_record> direct_capture::next() {
     pcap_pkthdr* header = nullptr;
     const u_char* data = nullptr;
     const int result = pcap_next_ex(handle_.get(), &header, &data);
-    stream_->rethrow();
+    rethrow();
     if (result == PCAP_ERROR_BREAK) {
         return std::nullopt;
     }
     if (result != 1) {
         throw capture_error(name_, pcap_geterr(handle_.get()));
     }
-
     ++packets_;
-    trace_record record;
-    record.timestamp = static_cast<std::uint64_t>(header->ts.tv_sec) * 1'000'000 +
-                       static_cast<std::uint64_t>(header->ts.tv_usec);
-    record.payload = {data, header->caplen};
+    const auto timestamp = static_cast<std::uint64_t>(header->ts.tv_sec) * 1'000'000 +
+                           static_cast<std::uint64_t>(header->ts.tv_usec);
+    return record_of(*type_, timestamp, {data, header->caplen}, header->len);
+}
+
+/// What libpcap must not see.
+void direct_capture::rethrow() {
     try {
-        auto message = read_packet_(record.payload);
-        record.format = std::move(message.dissector);
-        record.payload = message.bytes;
-    } catch (const std::runtime_error& error) {
-        record.failure = {failure_kind::malformed_packet, error.what()};
+        c_stream_.rethrow();
+    } catch (const std::system_error& error) {
+        throw capture_error(name_, error.code().message());
     }
-    if (header->caplen < header->len) {
-        record.failure = {failure_kind::truncated_packet,
-                          "cut short by the snapshot length: " + std::to_string(header->caplen) +
-                              " of " + std::to_string(header->len) + " bytes captured"};
-    }
-    return record;
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

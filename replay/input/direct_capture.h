@@ -7,6 +7,7 @@
 
 #include <pcap/pcap.h>
 
+#include "platform/console/c_stream.h"
 #include "platform/console/input_stream.h"
 #include "replay/input/capture.h"
 #include "replay/input/link_types.h"
@@ -31,11 +32,13 @@ class direct_capture final : public capture {
     };
 
     void read_head();
+    void rethrow();
 
     std::string name_;
     std::unique_ptr<PLATFORM::input_stream> stream_;
+    PLATFORM::c_stream c_stream_{*stream_};
     std::unique_ptr<pcap_t, closer> handle_;
-    packet_reader* read_packet_ = nullptr;
+    const link_type* type_ = nullptr;
     std::uint64_t packets_ = 0;
 };
 

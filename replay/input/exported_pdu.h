@@ -4,10 +4,17 @@
 
 #include <cstdint>
 #include <span>
-
-#include "replay/input/captured_message.h"
+#include <string>
 
 namespace KIVRA::TSHARK::REPLAY {
+
+/// The message that a packet of a capture holds.
+struct captured_message {
+    /// The name of the Wireshark dissector that reads it, for example "nas-eps"; never empty.
+    std::string dissector;
+    /// A part of the packet that was read.
+    std::span<const std::uint8_t> bytes;
+};
 
 /// Reads the tags (big-endian type and length, then the value) up to the end tag.
 /// @throws std::runtime_error when the tags don't end within the packet, or name no dissector

@@ -15,20 +15,10 @@ constexpr std::chrono::milliseconds patience{1'000};
 
 }  // namespace
 
-extracted_capture::extracted_capture(std::string name, std::filesystem::path tshark,
-                                     std::filesystem::path file,
-                                     std::unique_ptr<PLATFORM::input_stream> stream,
-                                     extraction_options options)
-    : name_(std::move(name)),
-      tshark_(std::move(tshark)),
-      file_(std::move(file)),
-      stream_(std::move(stream)),
-      options_(std::move(options)) {}
-
 std::optional<trace_record> extracted_capture::next() {
     if (!process_) {
         // A stream can't be read again, should the layers not be enough.
-        start(stream_ ? extraction_depth::everything : extraction_depth::layers);
+        start(source_.file.empty() ? extraction_depth::everything : extraction_depth::layers);
     }
     while (true) {
         if (auto record = records_.next()) {
@@ -48,22 +38,26 @@ std::optional<trace_record> extracted_capture::next() {
 void extracted_capture::start(extraction_depth depth) {
     depth_ = depth;
     process_.reset();
-    process_.emplace(name_, tshark_, file_, stream_.get(), depth, options_);
+    process_.emplace(source_, depth);
 }
 
 extraction_state extracted_capture::read_packet() {
-    extracted_packet packet;
+    std::string text;
     extraction_state state{};
     try {
-        state = process_->read(packet, patience);
+        state = process_->read(text, patience);
     } catch (const capture_error&) {
         ended_ = true;
         records_.let_go();
         throw;
     }
     ended_ = state == extraction_state::ended;
+    if (state != extraction_state::packet) {
+        return state;
+    }
+    auto packet = extract_messages(text);
     // Behind another look, what was seen before comes again.
-    if (state == extraction_state::packet && packet.number > last_packet_) {
+    if (packet.number > last_packet_) {
         if (packet.hides_messages && depth_ == extraction_depth::layers) {
             start(extraction_depth::everything);
         } else {
@@ -85,11 +79,11 @@ void extracted_capture::add(extracted_packet packet) {
 /// @throws capture_error where nothing was found in a link type that nothing was said about
 void extracted_capture::explain_user_link_type() const {
     const auto is_given = [this](int number) {
-        return std::ranges::find(options_.user_link_types, number, &user_link_type::number) !=
-               options_.user_link_types.end();
+        return std::ranges::find(source_.options.user_link_types, number,
+                                 &user_link_type::number) != source_.options.user_link_types.end();
     };
     if (!found_records_ && user_link_type_ && !is_given(*user_link_type_)) {
-        throw capture_error(name_, advice_on_user_link_type(*user_link_type_));
+        throw capture_error(source_.name, advice_on_user_link_type(*user_link_type_));
     }
 }
 

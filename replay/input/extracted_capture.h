@@ -1,15 +1,13 @@
 /// Captures that tshark reads: whatever it can open, with messages in whatever carries them.
 #pragma once
 
-#include <filesystem>
-#include <memory>
 #include <optional>
-#include <string>
+#include <utility>
 
-#include "platform/console/input_stream.h"
 #include "replay/input/capture.h"
+#include "replay/input/extraction/capture_source.h"
+#include "replay/input/extraction/extracted_packet.h"
 #include "replay/input/extraction/extracting_tshark.h"
-#include "replay/input/extraction/extraction_options.h"
 #include "replay/input/extraction/nas_inside_rrc.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -18,11 +16,7 @@ namespace KIVRA::TSHARK::REPLAY {
 /// starts with the first one that is asked for.
 class extracted_capture final : public capture {
   public:
-    /// @param name what messages call the capture
-    /// @param tshark the executable
-    /// @param file read by tshark itself; the empty path: `stream` is read instead, and fed to it
-    extracted_capture(std::string name, std::filesystem::path tshark, std::filesystem::path file,
-                      std::unique_ptr<PLATFORM::input_stream> stream, extraction_options options);
+    explicit extracted_capture(capture_source source) : source_(std::move(source)) {}
 
     std::optional<trace_record> next() override;
     capture_content content() const override;
@@ -36,11 +30,7 @@ class extracted_capture final : public capture {
     void explain_user_link_type() const;
     trace_record handed_out(extracted_record record);
 
-    std::string name_;
-    std::filesystem::path tshark_;
-    std::filesystem::path file_;
-    std::unique_ptr<PLATFORM::input_stream> stream_;
-    extraction_options options_;
+    capture_source source_;
     extraction_depth depth_ = extraction_depth::everything;
     std::optional<extracting_tshark> process_;
     nas_inside_rrc records_;

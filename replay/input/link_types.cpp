@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <array>
-
-#include <pcap/dlt.h>
-
-#include "replay/input/exported_pdu.h"
+#include <stdexcept>
+#include <string>
+#include <utility>
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -16,24 +15,50 @@ captured_message read_raw_ip(std::span<const std::uint8_t> packet) {
     return {"ip", packet};
 }
 
-struct link_type_entry {
-    int link_type;
-    packet_reader* read;
-};
-
-/// The registry of link types (tcpdump.org/linktypes.html), in libpcap's numbers.
-constexpr std::array<link_type_entry, 4> link_types{{
-    {DLT_RAW, read_raw_ip},                        // 101 in files
-    {DLT_IPV4, read_raw_ip},                       // 228
-    {DLT_IPV6, read_raw_ip},                       // 229
-    {DLT_WIRESHARK_UPPER_PDU, read_exported_pdu},  // 252
+constexpr std::array<link_type, 4> link_types{{
+    {101, 7, read_raw_ip},
+    {228, 129, read_raw_ip},
+    {229, 130, read_raw_ip},
+    {252, 155, read_exported_pdu},
 }};
+
+const link_type* find(int number, int link_type::*column) {
+    const auto* const entry = std::ranges::find(link_types, number, column);
+    return entry == link_types.end() ? nullptr : entry;
+}
 
 }  // namespace
 
-packet_reader* packet_reader_of(int link_type) {
-    const auto* const entry = std::ranges::find(link_types, link_type, &link_type_entry::link_type);
-    return entry == link_types.end() ? nullptr : entry->read;
+const link_type* link_type_of_dlt(int number) {
+    // libpcap gives raw IP a number of its own (DLT_RAW).
+    constexpr int raw_ip = 12;
+    return find(number == raw_ip ? 101 : number, &link_type::number);
+}
+
+const link_type* link_type_of_encapsulation(int number) {
+    return find(number, &link_type::encapsulation);
+}
+
+bool is_exported_pdu(const link_type& type) {
+    return type.read == read_exported_pdu;
+}
+
+trace_record record_of(const link_type& type, std::uint64_t timestamp,
+                       std::span<const std::uint8_t> packet, std::size_t original_size) {
+    trace_record record{.timestamp = timestamp, .payload = packet};
+    try {
+        auto message = type.read(packet);
+        record.format = std::move(message.dissector);
+        record.payload = message.bytes;
+    } catch (const std::runtime_error& error) {
+        record.failure = {failure_kind::malformed_packet, error.what()};
+    }
+    if (packet.size() < original_size) {
+        record.failure = {failure_kind::truncated_packet,
+                          "cut short by the snapshot length: " + std::to_string(packet.size()) +
+                              " of " + std::to_string(original_size) + " bytes captured"};
+    }
+    return record;
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

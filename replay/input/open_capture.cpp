@@ -4,9 +4,8 @@
 #include <utility>
 
 #include "platform/console/input_stream.h"
-#include "replay/input/capture_inspection.h"
-#include "replay/input/direct_capture.h"
 #include "replay/input/extracted_capture.h"
+#include "replay/input/record_capture.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -14,23 +13,22 @@ std::unique_ptr<capture> open_capture(const std::filesystem::path& file,
                                       const std::filesystem::path& tshark,
                                       const extraction_options& options,
                                       std::function<void()> before_waiting) {
-    const auto name = name_of(file);
-    const bool is_standard_input = file == "-";
+    capture_source source{.name = name_of(file), .tshark = tshark, .options = options};
     try {
-        auto stream = std::make_unique<PLATFORM::input_stream>(is_standard_input ? "" : file,
-                                                               std::move(before_waiting));
-        const bool is_direct = options.tshark_options.empty() && holds_records(*stream);
-        stream->rewind();
+        const bool is_standard_input = file == "-";
+        source.stream = std::make_unique<PLATFORM::input_stream>(is_standard_input ? "" : file,
+                                                                 std::move(before_waiting));
+        if (!is_standard_input && source.stream->is_regular_file()) {
+            source.file = file;
+        }
+        const bool is_direct = options.tshark_options.empty() && holds_records(source);
+        source.stream->rewind();
         if (is_direct) {
-            return std::make_unique<direct_capture>(name, std::move(stream));
+            return open_records(std::move(source));
         }
-        if (!is_standard_input && stream->is_regular_file()) {
-            return std::make_unique<extracted_capture>(name, tshark, file, nullptr, options);
-        }
-        return std::make_unique<extracted_capture>(name, tshark, std::filesystem::path(),
-                                                   std::move(stream), options);
+        return std::make_unique<extracted_capture>(std::move(source));
     } catch (const std::system_error& error) {
-        throw capture_error(name, error.code().message());
+        throw capture_error(source.name, error.code().message());
     }
 }
 

@@ -1,23 +1,19 @@
 #include "replay/input/extraction/extracted_packet.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
 
-#include <nlohmann/json.hpp>
-
 #include "replay/input/extraction/extraction_options.h"
 #include "replay/input/extraction/packet_time.h"
+#include "replay/input/extraction/printed_json.h"
 #include "replay/record/rrc_channels.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
 namespace {
-
-using json = nlohmann::ordered_json;
 
 /// Deeper than tshark's own protocol trees can be.
 constexpr int deepest_level = 1'000;
@@ -29,47 +25,13 @@ bool is_nas_layer(std::string_view name) {
     return name == "nas-eps" || name == "nas_eps";
 }
 
-std::uint8_t octet(std::string_view digits) {
-    std::uint8_t value = 0;
-    std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
-    return value;
-}
-
-std::vector<std::uint8_t> octets(std::string_view hexadecimal) {
-    std::vector<std::uint8_t> bytes;
-    bytes.reserve(hexadecimal.size() / 2);
-    for (std::size_t i = 0; i + 1 < hexadecimal.size(); i += 2) {
-        bytes.push_back(octet(hexadecimal.substr(i, 2)));
-    }
-    return bytes;
-}
-
-using byte_strings = std::vector<std::vector<std::uint8_t>>;
-
-/// The bytes of a "_raw" member, one string for each layer of that name.
-byte_strings raw_bytes(const json& value) {
-    if (!value.is_array() || value.empty()) {
-        return {};
-    }
-    if (const auto* const digits = value.front().get_ptr<const std::string*>()) {
-        return {octets(*digits)};
-    }
-    byte_strings list;
-    for (const auto& element : value) {
-        for (auto& bytes : raw_bytes(element)) {
-            list.push_back(std::move(bytes));
-        }
-    }
-    return list;
-}
-
 /// The layer that belongs to the raw bytes at that place: layers of one name share a member.
-const json& layer_at(const json& layers, std::size_t place) {
+const printed_json& layer_at(const printed_json& layers, std::size_t place) {
     return layers.is_array() && place < layers.size() ? layers[place] : layers;
 }
 
 /// Empty for what is a message of no channel, as a container of handovers.
-std::string_view dissector_of(const json& rrc) {
+std::string_view dissector_of(const printed_json& rrc) {
     if (rrc.is_object()) {
         for (const auto& [member, value] : rrc.items()) {
             if (const auto* const channel = channel_of_member(member)) {
@@ -80,25 +42,11 @@ std::string_view dissector_of(const json& rrc) {
     return {};
 }
 
-std::string_view text_of(const json& object, const char* member) {
-    const auto found = object.find(member);
-    const auto* const text = found == object.end() ? nullptr : found->get_ptr<const std::string*>();
-    return text == nullptr ? std::string_view() : *text;
-}
-
-template <typename Number>
-Number number_of(const json& object, const char* member) {
-    Number number = 0;
-    const auto text = text_of(object, member);
-    std::from_chars(text.data(), text.data() + text.size(), number);
-    return number;
-}
-
 class message_search {
   public:
     explicit message_search(std::vector<extracted_message>& found) : found_(found) {}
 
-    void search(const json& tree, bool is_inside_rrc, int level = 0) {
+    void search(const printed_json& tree, bool is_inside_rrc, int level = 0) {
         if (!tree.is_structured() || level > deepest_level) {
             return;
         }
@@ -116,8 +64,8 @@ class message_search {
     }
 
   private:
-    void search_member(const json& tree, const std::string& member, const json& value,
-                       bool is_inside_rrc, int level) {
+    void search_member(const printed_json& tree, const std::string& member,
+                       const printed_json& value, bool is_inside_rrc, int level) {
         const bool is_rrc = member == rrc_layer && value.is_structured();
         if (is_rrc && !is_inside_rrc) {
             add_rrc(tree, member, value);
@@ -131,7 +79,7 @@ class message_search {
         search(value, is_inside_rrc || is_rrc, level + 1);
     }
 
-    void add_rrc(const json& tree, const std::string& member, const json& value) {
+    void add_rrc(const printed_json& tree, const std::string& member, const printed_json& value) {
         std::size_t place = 0;
         for (auto& bytes : bytes_of(tree, member)) {
             const auto dissector = dissector_of(layer_at(value, place++));
@@ -142,15 +90,16 @@ class message_search {
         }
     }
 
-    void add_nas(const json& tree, const std::string& member, bool is_inside_rrc) {
+    void add_nas(const printed_json& tree, const std::string& member, bool is_inside_rrc) {
         for (auto& bytes : bytes_of(tree, member)) {
             found_.push_back({"nas-eps", std::move(bytes), is_inside_rrc});
         }
     }
 
-    static byte_strings bytes_of(const json& tree, const std::string& member) {
+    static std::vector<std::vector<std::uint8_t>> bytes_of(const printed_json& tree,
+                                                           const std::string& member) {
         const auto raw = tree.find(member + std::string(raw_end));
-        return raw == tree.end() ? byte_strings{} : raw_bytes(*raw);
+        return raw == tree.end() ? std::vector<std::vector<std::uint8_t>>{} : raw_bytes(*raw);
     }
 
     std::vector<extracted_message>& found_;
@@ -158,7 +107,7 @@ class message_search {
 };
 
 /// The IPv6 packet of a router advertisement, whose layers follow each other.
-std::optional<extracted_message> router_advertisement(const json& layers) {
+std::optional<extracted_message> router_advertisement(const printed_json& layers) {
     constexpr std::uint8_t type = 134;  // RFC 4861, 4.2
     const auto header = layers.find("ipv6_raw");
     const auto message = layers.find("icmpv6_raw");
@@ -187,26 +136,12 @@ std::ptrdiff_t occurrences(std::string_view protocols, auto is_wanted) {
     return count;
 }
 
-const json& layers_of(const json& packets) {
-    static const json nothing = json::object();
-    const json* level = packets.is_array() && !packets.empty() ? &packets.front() : &nothing;
-    for (const char* const member : {"_source", "layers", "frame"}) {
-        if (!level->is_object() || !level->contains(member)) {
-            throw std::runtime_error("output of tshark holds what is not a packet");
-        }
-        if (member != std::string_view("frame")) {
-            level = &level->at(member);
-        }
-    }
-    return *level;
-}
-
 }  // namespace
 
 extracted_packet extract_messages(const std::string& text) {
-    const json packets = json::parse(text);
-    const json& layers = layers_of(packets);
-    const json& frame = layers.at("frame");
+    const auto packets = printed_json::parse(text);
+    const printed_json& layers = layers_of(packets);
+    const printed_json& frame = layers.at("frame");
     extracted_packet packet;
     packet.number = number_of<std::uint64_t>(frame, "frame.number");
     packet.timestamp = packet_time(text_of(frame, "frame.time_epoch"));

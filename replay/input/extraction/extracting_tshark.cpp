@@ -55,20 +55,18 @@ PLATFORM::piped_process start(const std::string& name, const std::filesystem::pa
 
 }  // namespace
 
-extracting_tshark::extracting_tshark(std::string name, const std::filesystem::path& tshark,
-                                     const std::filesystem::path& file,
-                                     PLATFORM::input_stream* input, extraction_depth depth,
-                                     const extraction_options& options)
-    : name_(std::move(name)),
-      input_(input),
-      process_(start(name_, tshark, extraction_arguments(argument_of(file), depth, options))) {}
+extracting_tshark::extracting_tshark(const capture_source& source, extraction_depth depth)
+    : name_(source.name),
+      input_(source.file.empty() ? source.stream.get() : nullptr),
+      process_(start(name_, source.tshark,
+                     extraction_arguments(argument_of(source.file), depth, source.options))) {}
 
-extraction_state extracting_tshark::read(extracted_packet& packet, milliseconds patience) {
+extraction_state extracting_tshark::read(std::string& packet, milliseconds patience) {
     auto last_move = steady_clock::now();
     try {
         while (true) {
-            if (const auto text = output_.next()) {
-                packet = extract_messages(text->text);
+            if (auto next = output_.next()) {
+                packet = std::move(next->text);
                 return extraction_state::packet;
             }
             statistics_ += output_.text_behind();

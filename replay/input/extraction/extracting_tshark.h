@@ -3,13 +3,12 @@
 
 #include <chrono>
 #include <cstddef>
-#include <filesystem>
 #include <string>
 
 #include "analysis/tshark/packet_splitter.h"
 #include "platform/console/input_stream.h"
 #include "platform/piped_process.h"
-#include "replay/input/extraction/extracted_packet.h"
+#include "replay/input/extraction/capture_source.h"
 #include "replay/input/extraction/extraction_arguments.h"
 #include "replay/record/capture_content.h"
 
@@ -20,18 +19,16 @@ enum class extraction_state { packet, idle, ended };
 
 class extracting_tshark {
   public:
-    /// @param name what messages call the capture
-    /// @param file the capture; the empty path for one that `input` gives
-    /// @param input what tshark gets through its standard input; null for a file
+    /// @param source outlives the object; its stream is fed to tshark where there is no file
     /// @throws capture_error when tshark can't be started
-    extracting_tshark(std::string name, const std::filesystem::path& tshark,
-                      const std::filesystem::path& file, PLATFORM::input_stream* input,
-                      extraction_depth depth, const extraction_options& options);
+    extracting_tshark(const capture_source& source, extraction_depth depth);
 
     /// Reads on to the next packet, the end of the capture, or until nothing has come for the given
-    /// time and the input gives nothing either, which can be so with an input only.
+    /// time and the stream gives nothing either.
+    /// @param packet the text that tshark prints for a capture with this packet alone
     /// @throws capture_error when tshark fails, with what it says, and when the run is interrupted
-    extraction_state read(extracted_packet& packet, std::chrono::milliseconds patience);
+    extraction_state read(std::string& packet,
+                          std::chrono::milliseconds patience = std::chrono::milliseconds::max());
 
     /// What tshark has counted; whole at the end.
     capture_content content() const;
@@ -44,6 +41,7 @@ class extracting_tshark {
     bool awaits_input() const;
 
     std::string name_;
+    /// What is fed to tshark; null where it reads a file.
     PLATFORM::input_stream* input_;
     PLATFORM::piped_process process_;
     ANALYSIS::packet_splitter output_{ANALYSIS::behind_packets::text};

@@ -21,10 +21,14 @@ std::string table_row(const user_link_type& link_type) {
 
 std::vector<std::string> extraction_arguments(const std::string& capture, extraction_depth depth,
                                               const extraction_options& options) {
-    std::vector<std::string> list{"-r", capture, "-T",   "json", "-x",    "--no-duplicate-keys",
-                                  "-l", "-Y",    filter, "-z",   "io,phs"};
-    // A NAS message within an RRC message becomes a layer behind that one.
-    list.insert(list.end(), {"-o", "lte_rrc.nas_in_root_tree:TRUE"});
+    std::vector<std::string> list{"-r", capture, "-T", "json", "-x", "--no-duplicate-keys", "-l"};
+    if (depth == extraction_depth::frames) {
+        list.insert(list.end(), {"-j", "frame"});
+    } else {
+        list.insert(list.end(), {"-Y", filter, "-z", "io,phs"});
+        // A NAS message within an RRC message becomes a layer behind that one.
+        list.insert(list.end(), {"-o", "lte_rrc.nas_in_root_tree:TRUE"});
+    }
     if (depth == extraction_depth::layers) {
         list.insert(list.end(), {"-j", "frame lte_rrc"});
     }

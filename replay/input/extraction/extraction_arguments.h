@@ -10,6 +10,8 @@ namespace KIVRA::TSHARK::REPLAY {
 
 /// How much of a packet tshark prints.
 enum class extraction_depth {
+    /// The bytes of every packet.
+    frames,
     /// The layers, without what is inside them, but for the names of RRC messages. That takes a
     /// tenth of the time, and is enough where messages are layers of their own, as with GSMTAP.
     layers,
@@ -17,9 +19,9 @@ enum class extraction_depth {
     everything,
 };
 
-/// The arguments with which tshark prints the packets with NAS or RRC messages or router
-/// advertisements, and, to tell its link type, the first packet of a link type for private use;
-/// behind them it counts the protocols of all packets.
+/// The arguments with which tshark prints, unless it is to print every packet, those with NAS or
+/// RRC messages or router advertisements, and, to tell its link type, the first packet of a link
+/// type for private use; behind them it counts the protocols of all packets.
 /// @param capture a file, or "-" for tshark's standard input
 std::vector<std::string> extraction_arguments(const std::string& capture, extraction_depth depth,
                                               const extraction_options& options);

@@ -1,0 +1,50 @@
+#include "platform/console/input_stream.h"
+
+#include <utility>
+
+namespace KIVRA::TSHARK::PLATFORM {
+
+input_stream::input_stream(const std::filesystem::path& file, std::function<void()> before_waiting)
+    : source_(file), before_waiting_(std::move(before_waiting)) {}
+
+void input_stream::rewind() {
+    if (source_.go_back()) {
+        beginning_.clear();
+    }
+    is_rewound_ = true;
+    position_ = 0;
+}
+
+std::size_t input_stream::read_available(std::span<char> room) {
+    std::size_t count = 0;
+    if (is_repeating()) {
+        count = beginning_.copy(room.data(), room.size(), repeated_);
+        repeated_ += count;
+    } else {
+        count = source_.read_available(room);
+        if (!is_rewound_) {
+            beginning_.append(room.data(), count);
+        }
+    }
+    position_ += count;
+    return count;
+}
+
+std::size_t input_stream::read(std::span<char> room) {
+    while (true) {
+        const std::size_t count = read_available(room);
+        if (count != 0 || at_end()) {
+            return count;
+        }
+        announce();
+        source_.wait();
+    }
+}
+
+void input_stream::announce() const {
+    if (before_waiting_) {
+        before_waiting_();
+    }
+}
+
+}  // namespace KIVRA::TSHARK::PLATFORM

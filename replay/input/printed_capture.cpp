@@ -1,0 +1,49 @@
+#include "replay/input/printed_capture.h"
+
+#include "replay/input/link_types.h"
+#include "replay/input/packet_verdict.h"
+
+namespace KIVRA::TSHARK::REPLAY {
+
+std::optional<trace_record> printed_capture::next() {
+    if (!tshark_) {
+        tshark_.emplace(source_, extraction_depth::frames);
+    }
+    std::string text;
+    if (tshark_->read(text) == extraction_state::ended) {
+        return std::nullopt;
+    }
+    ++packets_;
+    current_ = read_frame(text);
+    const auto* const type = link_type_of_encapsulation(current_.encapsulation);
+    if (type == nullptr) {
+        throw capture_error(source_.name, "packet " + std::to_string(packets_) +
+                                              " is of another link type than those before");
+    }
+    return record_of(*type, current_.timestamp, current_.bytes, current_.original_size);
+}
+
+bool packets_are_records(const capture_source& source) {
+    extracting_tshark tshark(source, extraction_depth::frames);
+    packet_verdict verdict;
+    const bool is_file = !source.file.empty();
+    try {
+        std::string text;
+        while (tshark.read(text) != extraction_state::ended) {
+            const auto frame = read_frame(text);
+            const auto* const type = link_type_of_encapsulation(frame.encapsulation);
+            if (type == nullptr || (!is_exported_pdu(*type) && !is_file)) {
+                return false;
+            }
+            verdict.look_at(*type, frame.bytes);
+            if (!is_file) {
+                break;
+            }
+        }
+    } catch (const capture_error&) {
+        // Who reads the records says so.
+    }
+    return verdict.are_records();
+}
+
+}  // namespace KIVRA::TSHARK::REPLAY
