@@ -14,6 +14,10 @@ std::optional<std::string> path_variable() {
     return value;
 }
 
+char path_separator() {
+    return ':';
+}
+
 std::span<const std::string_view> tshark_executable_names() {
     static constexpr std::array<std::string_view, 2> names{"tshark.exe", "tshark"};
     return names;

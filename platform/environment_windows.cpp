@@ -30,6 +30,10 @@ std::optional<std::string> path_variable() {
     return system_variable("PATH");
 }
 
+char path_separator() {
+    return ';';
+}
+
 std::span<const std::string_view> tshark_executable_names() {
     static constexpr std::array<std::string_view, 1> names{"tshark.exe"};
     return names;

@@ -41,4 +41,27 @@ std::filesystem::path path_from_narrow(std::string_view text) {
     return wide;
 }
 
+std::string narrow_from_path(const std::filesystem::path& path) {
+    const std::wstring& wide = path.native();
+    if (wide.empty()) {
+        return {};
+    }
+    const UINT code_page = file_system_code_page();
+    const int size = static_cast<int>(wide.size());
+    BOOL lossy = FALSE;
+    // UTF-8 has every character, and takes no question about that.
+    BOOL* const asked = code_page == CP_UTF8 ? nullptr : &lossy;
+    const auto convert = [&](char* text, int capacity) {
+        return converted(WideCharToMultiByte(code_page, WC_NO_BEST_FIT_CHARS * (asked != nullptr),
+                                             wide.data(), size, text, capacity, nullptr, asked));
+    };
+    std::string text(static_cast<std::size_t>(convert(nullptr, 0)), '\0');
+    convert(text.data(), static_cast<int>(text.size()));
+    if (lossy) {
+        SetLastError(ERROR_NO_UNICODE_TRANSLATION);
+        converted(0);
+    }
+    return text;
+}
+
 }  // namespace KIVRA::TSHARK::PLATFORM

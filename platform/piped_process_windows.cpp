@@ -250,8 +250,8 @@ class channel {
 
 struct piped_process::connection {
     connection(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-               error_text wanted_errors)
-        : connection(program, arguments, wanted_errors, make_pipe(PIPE_ACCESS_OUTBOUND),
+               error_text wanted)
+        : connection(program, arguments, wanted, make_pipe(PIPE_ACCESS_OUTBOUND),
                      make_pipe(PIPE_ACCESS_INBOUND)) {}
 
     ~connection() {

@@ -42,12 +42,19 @@ void write_file(const std::filesystem::path& file, std::string_view content);
 /// @throws std::system_error when the text is not valid in that code page
 std::filesystem::path path_from_narrow(std::string_view text);
 
+/// The inverse, for a host's part.
+/// @throws std::system_error when the path has no form in that code page
+std::string narrow_from_path(const std::filesystem::path& path);
+
 /// What stands at the path, as std::filesystem::status tells it; links are followed.
 /// @param error why the query failed; the type is then `none`, but `not_found` where nothing is
 std::filesystem::file_status file_status(const std::filesystem::path& path, std::error_code& error);
 
 /// The PATH variable's value, empty when it is set to nothing; no value when it is not set.
 std::optional<std::string> path_variable();
+
+/// What stands between the folders of PATH.
+char path_separator();
 
 /// The names that tshark's executable may have in its directory, the preferred one first.
 std::span<const std::string_view> tshark_executable_names();

@@ -6,8 +6,9 @@
 
 namespace KIVRA::TSHARK::REPLAY {
 
-/// The first of the folders with an executable file that has a name of tshark's.
-/// @param folders as in PATH: separated by ":", empty ones don't count
+/// The first of the folders with an executable file that has a name of tshark's; behind them, what
+/// the plug-in finds by itself.
+/// @param folders as in PATH; empty ones don't count
 /// @throws std::runtime_error when there is none
 std::filesystem::path find_tshark_directory(std::string_view folders);
 

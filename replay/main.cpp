@@ -2,7 +2,9 @@
 /// plug-in's rules, and reports what comes of them.
 #include <exception>
 #include <string>
+#include <utility>
 #include <variant>
+#include <vector>
 
 #include "platform/console/console.h"
 #include "replay/options.h"
@@ -14,8 +16,8 @@ namespace {
 using namespace KIVRA::TSHARK;
 using namespace REPLAY;
 
-exit_status run_command_line(int count, const char* const* arguments) {
-    const auto wanted = read_command_line(count, arguments);
+exit_status run_command_line(std::vector<std::string> arguments) {
+    const auto wanted = read_command_line(std::move(arguments));
     if (const auto* text = std::get_if<std::string>(&wanted)) {
         output out({});
         out.stream() << *text;
@@ -29,11 +31,10 @@ exit_status run_command_line(int count, const char* const* arguments) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    PLATFORM::occupy_closed_standard_streams();
     // A reader that goes away is noticed as a failed write, and everything is tidied up first.
-    PLATFORM::ignore_broken_pipes();
+    PLATFORM::prepare_standard_streams();
     try {
-        const exit_status status = run_command_line(count, arguments);
+        const exit_status status = run_command_line(PLATFORM::utf8_arguments(count, arguments));
         if (PLATFORM::interrupted()) {
             PLATFORM::end_by_interrupt();
         }

@@ -2,11 +2,15 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include <CLI/CLI.hpp>
+
+#include "replay/record/path_text.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -116,21 +120,23 @@ options options_of(const command_line& line) {
     if (std::ranges::count(line.captures, "-") > 1) {
         throw std::runtime_error("the standard input can be read only once");
     }
-    return {.plugin = line.plugin,
-            .session = line.session,
-            .tshark_directory = line.tshark_directory,
-            .profile = line.profile,
-            .output = line.output,
-            .json = line.json,
-            .all = line.all,
-            .quiet = line.quiet,
-            .extraction = extraction_options_of(line),
-            .captures = {line.captures.begin(), line.captures.end()}};
+    options wanted{.plugin = path_of(line.plugin),
+                   .session = line.session,
+                   .tshark_directory = path_of(line.tshark_directory),
+                   .profile = path_of(line.profile),
+                   .output = path_of(line.output),
+                   .json = line.json,
+                   .all = line.all,
+                   .quiet = line.quiet,
+                   .extraction = extraction_options_of(line),
+                   .captures = {}};
+    std::ranges::transform(line.captures, std::back_inserter(wanted.captures), path_of);
+    return wanted;
 }
 
 }  // namespace
 
-std::variant<options, std::string> read_command_line(int count, const char* const* arguments) {
+std::variant<options, std::string> read_command_line(std::vector<std::string> arguments) {
     CLI::App app(
         "Replays captures as kivra-tshark-sink analyses them and shows what comes of each record.",
         "kivra-replay");
@@ -148,7 +154,9 @@ std::variant<options, std::string> read_command_line(int count, const char* cons
     app.footer(exit_statuses);
 
     try {
-        app.parse(count, arguments);
+        // The library takes them from the back.
+        std::ranges::reverse(arguments);
+        app.parse(std::move(arguments));
     } catch (const CLI::CallForHelp&) {
         return app.help();
     } catch (const CLI::CallForVersion&) {

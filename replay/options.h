@@ -35,7 +35,8 @@ struct options {
 
 /// What the command line asks for: a run with these options, or a text (the help or the version)
 /// and nothing else.
+/// @param arguments in UTF-8, without the program's name
 /// @throws std::runtime_error for a command line that is wrong
-std::variant<options, std::string> read_command_line(int count, const char* const* arguments);
+std::variant<options, std::string> read_command_line(std::vector<std::string> arguments);
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "platform/console/console.h"
+#include "replay/record/path_text.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -27,7 +28,7 @@ output::output(const std::filesystem::path& file) {
     }
     file_.emplace(file, std::ios::binary | std::ios::trunc);
     if (!file_->is_open()) {
-        throw std::runtime_error("can't write " + file.string() + ": " +
+        throw std::runtime_error("can't write " + text_of(file) + ": " +
                                  std::generic_category().message(errno));
     }
 }

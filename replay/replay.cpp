@@ -18,6 +18,7 @@
 #include "replay/input/capture_stream.h"
 #include "replay/output.h"
 #include "replay/progress.h"
+#include "replay/record/path_text.h"
 #include "replay/report/formatting.h"
 #include "replay/report/json_lines.h"
 #include "replay/report/profile_file.h"
@@ -39,7 +40,7 @@ void refuse_to_overwrite_captures(const options& wanted) {
         for (const auto& target : {wanted.output, wanted.profile}) {
             std::error_code missing;
             if (fs::equivalent(source, target, missing)) {
-                throw std::runtime_error(target.string() + " is a capture to read, not to write");
+                throw std::runtime_error(text_of(target) + " is a capture to read, not to write");
             }
         }
     }
@@ -196,14 +197,14 @@ described_runner runner_for(const options& wanted, const fs::path& directory,
                             const fs::path& tshark) {
     if (wanted.plugin.empty()) {
         return {std::make_unique<in_process>(tshark, wanted.profile),
-                "one tshark in " + directory.string() + " for all records"};
+                "one tshark in " + text_of(directory) + " for all records"};
     }
     const auto loaded = std::make_shared<const plugin>(wanted.plugin);
     const auto description = loaded->describe();
     return {
         std::make_unique<plugin_sink>(loaded, directory, tshark, wanted.profile, wanted.session),
-        wanted.plugin.string() + ' ' + description.version +
-            (wanted.session ? ", one tshark in " : ", tshark in ") + directory.string()};
+        text_of(wanted.plugin) + ' ' + description.version +
+            (wanted.session ? ", one tshark in " : ", tshark in ") + text_of(directory)};
 }
 
 }  // namespace

@@ -5,21 +5,26 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace KIVRA::TSHARK::PLATFORM {
 
 enum class standard_stream { input, output, error };
 
+/// The command line's arguments in UTF-8, without the program's name.
+/// @param count, arguments those of main()
+std::vector<std::string> utf8_arguments(int count, char** arguments);
+
+/// Makes the standard streams fit for a report: a stream that the caller has closed can't be taken
+/// by a file, so that a report that goes nowhere is still an error; writing to a pipe without a
+/// reader is an error instead of the process's end; on Windows, texts go out byte by byte, and a
+/// console takes them as UTF-8 until the process ends.
+void prepare_standard_streams();
+
+/// Whether the stream is a terminal that does what control sequences say.
 bool is_terminal(standard_stream stream);
 
-/// Keeps files from being opened as standard streams that the caller has closed. What takes their
-/// place can't be used, so that a report that goes nowhere is still an error.
-void occupy_closed_standard_streams();
-
-/// Makes writing to a pipe without a reader an error (EPIPE) instead of the process's end.
-void ignore_broken_pipes();
-
-/// Ends the process as a broken pipe would have.
+/// Ends the process as a broken pipe would have; returns where that is unknown.
 void end_by_broken_pipe();
 
 /// From now on the first interruption (SIGINT, Ctrl-C) is noted instead of ending the process, and

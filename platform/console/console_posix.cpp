@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <system_error>
@@ -42,15 +43,16 @@ bool is_terminal(standard_stream stream) {
     return isatty(descriptor_of(stream)) != 0;
 }
 
-void occupy_closed_standard_streams() {
+std::vector<std::string> utf8_arguments(int count, char** arguments) {
+    return {arguments + std::min(count, 1), arguments + count};
+}
+
+void prepare_standard_streams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(stream, F_GETFD) == -1) {
             static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
         }
     }
-}
-
-void ignore_broken_pipes() {
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
 }
 

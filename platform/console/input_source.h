@@ -38,9 +38,11 @@ class input_source {
     /// Whether it is a file of a disk, which any program can open and read from its beginning.
     bool is_regular_file() const;
 
+    /// Whether `go_back` may be called.
+    bool can_go_back() const;
+
     /// Goes back to where the reading began.
-    /// @return whether that can be done here
-    bool go_back();
+    void go_back();
 
     /// The size of a file of a disk in bytes, else 0.
     std::uint64_t size() const;

@@ -86,8 +86,12 @@ bool input_source::is_regular_file() const {
     return S_ISREG(state_->status.st_mode);
 }
 
-bool input_source::go_back() {
-    return is_regular_file() && lseek(state_->descriptor, state_->start, SEEK_SET) != -1;
+bool input_source::can_go_back() const {
+    return is_regular_file();
+}
+
+void input_source::go_back() {
+    lseek(state_->descriptor, state_->start, SEEK_SET);
 }
 
 std::uint64_t input_source::size() const {

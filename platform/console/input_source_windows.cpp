@@ -1,3 +1,4 @@
+#include <process.h>
 #include <windows.h>
 
 #include <algorithm>
@@ -5,7 +6,6 @@
 #include <mutex>
 #include <string>
 #include <system_error>
-#include <thread>
 
 #include "platform/console/input_source.h"
 
@@ -35,8 +35,8 @@ HANDLE open_source(const std::filesystem::path& file) {
     if (opened == INVALID_HANDLE_VALUE) {
         const DWORD error = GetLastError();
         const DWORD attributes = GetFileAttributesW(file.c_str());
-        const bool is_folder = attributes != INVALID_FILE_ATTRIBUTES &&
-                               (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        const bool is_folder =
+            attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         fail(is_folder ? ERROR_DIRECTORY : error);
     }
     return opened;
@@ -50,13 +50,13 @@ struct input_source::state {
     explicit state(HANDLE opened)
         : input(opened), more(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {
         if (more == nullptr) {
-            const DWORD error = GetLastError();
+            const DWORD reason = GetLastError();
             CloseHandle(input);
-            fail(error);
+            fail(reason);
         }
     }
     ~state() {
-        if (reader.joinable()) {
+        if (reader != nullptr) {
             end_reader();
         }
         CloseHandle(more);
@@ -66,15 +66,20 @@ struct input_source::state {
     state& operator=(const state&) = delete;
 
     void start() {
-        if (!reader.joinable()) {
-            reader = std::thread([this] { read_ahead(); });
+        if (reader != nullptr) {
+            return;
+        }
+        reader = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, run, this, 0, nullptr));
+        if (reader == nullptr) {
+            fail(ERROR_NOT_ENOUGH_MEMORY);
         }
     }
 
     HANDLE input;
     /// Signalled while there is something to take, or the end.
     HANDLE more;
-    std::thread reader;
+    /// A thread of the system, whose reads can be cancelled.
+    HANDLE reader = nullptr;
     std::mutex guard;
     std::condition_variable room;
     std::string waiting;
@@ -83,6 +88,11 @@ struct input_source::state {
     bool stops = false;
 
   private:
+    static unsigned __stdcall run(void* self) {
+        static_cast<state*>(self)->read_ahead();
+        return 0;
+    }
+
     void read_ahead() {
         std::string block(most_read_ahead, '\0');
         while (true) {
@@ -116,9 +126,9 @@ struct input_source::state {
         // The thread may be just before a read as well as in one.
         constexpr DWORD moment = 10;
         do {
-            CancelSynchronousIo(reader.native_handle());
-        } while (WaitForSingleObject(reader.native_handle(), moment) == WAIT_TIMEOUT);
-        reader.join();
+            CancelSynchronousIo(reader);
+        } while (WaitForSingleObject(reader, moment) == WAIT_TIMEOUT);
+        CloseHandle(reader);
     }
 };
 
@@ -160,9 +170,11 @@ bool input_source::is_regular_file() const {
 }
 
 /// What was read ahead is kept by the reader.
-bool input_source::go_back() {
+bool input_source::can_go_back() const {
     return false;
 }
+
+void input_source::go_back() {}
 
 std::uint64_t input_source::size() const {
     LARGE_INTEGER size{};

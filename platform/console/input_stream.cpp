@@ -8,8 +8,8 @@ input_stream::input_stream(const std::filesystem::path& file, std::function<void
     : source_(file), before_waiting_(std::move(before_waiting)) {}
 
 void input_stream::rewind() {
-    if (source_.go_back()) {
-        beginning_.clear();
+    if (source_.can_go_back()) {
+        source_.go_back();
     }
     is_rewound_ = true;
     position_ = 0;
@@ -22,7 +22,7 @@ std::size_t input_stream::read_available(std::span<char> room) {
         repeated_ += count;
     } else {
         count = source_.read_available(room);
-        if (!is_rewound_) {
+        if (!is_rewound_ && !source_.can_go_back()) {
             beginning_.append(room.data(), count);
         }
     }

@@ -11,8 +11,7 @@ namespace KIVRA::TSHARK::PLATFORM {
 namespace {
 
 [[noreturn]] void fail() {
-    throw std::runtime_error(
-        std::system_category().message(static_cast<int>(GetLastError())));
+    throw std::runtime_error(std::system_category().message(static_cast<int>(GetLastError())));
 }
 
 }  // namespace

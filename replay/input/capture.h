@@ -8,13 +8,14 @@
 
 #include "replay/record/capture_content.h"
 #include "replay/record/capture_error.h"
+#include "replay/record/path_text.h"
 #include "replay/record/record.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
 /// What messages call a capture.
 inline std::string name_of(const std::filesystem::path& file) {
-    return file == "-" ? "standard input" : file.string();
+    return file == "-" ? "standard input" : text_of(file);
 }
 
 class capture {

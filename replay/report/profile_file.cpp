@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/console/console.h"
+#include "replay/record/path_text.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -53,7 +54,7 @@ profile_content profile_file::read() const {
             content.push_back({name, value.is_string() ? value.get<std::string>() : value.dump()});
         }
     } catch (const nlohmann::json::exception& error) {
-        throw std::runtime_error("can't read " + path_.string() + ": " + error.what());
+        throw std::runtime_error("can't read " + text_of(path_) + ": " + error.what());
     }
     return content;
 }

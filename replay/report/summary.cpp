@@ -5,6 +5,7 @@
 #include <ostream>
 #include <string_view>
 
+#include "replay/record/path_text.h"
 #include "replay/record/record_format.h"
 #include "replay/report/diagnostic_help.h"
 #include "replay/report/formatting.h"
@@ -198,7 +199,7 @@ void summary::print_diagnostics(std::ostream& out) const {
 }
 
 void summary::print_profile(std::ostream& out, const profile_file& profile) const {
-    out << "\nprofile " << printable(profile.path().string());
+    out << "\nprofile " << printable(text_of(profile.path()));
     if (profile.written()) {
         out << '\n';
         print_members(out, profile.read());

@@ -7,6 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "platform/platform.h"
+
 namespace KIVRA::TSHARK::REPLAY {
 
 namespace {
@@ -68,11 +70,13 @@ plugin_sink::plugin_sink(std::shared_ptr<const plugin> loaded,
                          bool session)
     : messages_(tshark), plugin_(std::move(loaded)) {
     std::string reason = "no reason given";
+    const auto directory = PLATFORM::narrow_from_path(tshark_directory);
+    const auto file = PLATFORM::narrow_from_path(profile);
     kivra_init_parameters parameters{};
     parameters.entries[0].key = "tshark_directory";
-    parameters.entries[0].value = tshark_directory.c_str();
+    parameters.entries[0].value = directory.c_str();
     parameters.entries[1].key = "file_path";
-    parameters.entries[1].value = profile.c_str();
+    parameters.entries[1].value = file.c_str();
     parameters.count = 2;
     if (session) {
         parameters.entries[2].key = "tshark_session";

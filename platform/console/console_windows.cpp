@@ -1,0 +1,117 @@
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+
+#include "platform/console/console.h"
+
+namespace KIVRA::TSHARK::PLATFORM {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::atomic<bool> interruption = false;
+
+BOOL WINAPI note_interruption(DWORD event) {
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
+        return FALSE;
+    }
+    // The second one is left to the system, which ends the process.
+    return interruption.exchange(true) ? FALSE : TRUE;
+}
+
+HANDLE handle_of(standard_stream stream) {
+    switch (stream) {
+        case standard_stream::input:
+            return GetStdHandle(STD_INPUT_HANDLE);
+        case standard_stream::output:
+            return GetStdHandle(STD_OUTPUT_HANDLE);
+        case standard_stream::error:
+            return GetStdHandle(STD_ERROR_HANDLE);
+    }
+    return nullptr;
+}
+
+/// The code page that the console had, for whoever uses it next.
+class console_code_page {
+  public:
+    console_code_page() : former_(GetConsoleOutputCP()) { SetConsoleOutputCP(CP_UTF8); }
+    ~console_code_page() { SetConsoleOutputCP(former_); }
+    console_code_page(const console_code_page&) = delete;
+    console_code_page& operator=(const console_code_page&) = delete;
+
+  private:
+    UINT former_;
+};
+
+std::string utf8_from_wide(const wchar_t* text) {
+    const std::u8string converted = fs::path(text).u8string();
+    return {converted.begin(), converted.end()};
+}
+
+}  // namespace
+
+std::vector<std::string> utf8_arguments(int /*count*/, char** /*arguments*/) {
+    int count = 0;
+    wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);
+    std::vector<std::string> arguments;
+    for (int i = 1; i < count; ++i) {
+        arguments.push_back(utf8_from_wide(wide[i]));
+    }
+    LocalFree(wide);
+    return arguments;
+}
+
+void prepare_standard_streams() {
+    for (std::FILE* const stream : {stdin, stdout, stderr}) {
+        _setmode(_fileno(stream), _O_BINARY);
+    }
+    static const console_code_page utf8;
+}
+
+bool is_terminal(standard_stream stream) {
+    const HANDLE handle = handle_of(stream);
+    DWORD mode = 0;
+    if (!GetConsoleMode(handle, &mode)) {
+        return false;
+    }
+    return stream == standard_stream::input ||
+           SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
+/// The failed write has been noticed, and nothing else is known of it here.
+void end_by_broken_pipe() {}
+
+void install_interrupt_handler() {
+    SetConsoleCtrlHandler(note_interruption, TRUE);
+}
+
+bool interrupted() {
+    return interruption;
+}
+
+void end_by_interrupt() {
+    std::fflush(nullptr);
+    ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+}
+
+bool is_executable_file(const fs::path& file) {
+    std::error_code unreachable;
+    return fs::is_regular_file(file, unreachable);
+}
+
+std::optional<std::string> write_obstacle(const fs::path& file_or_folder) {
+    constexpr int may_write = 2;
+    if (_waccess(file_or_folder.c_str(), may_write) == 0) {
+        return std::nullopt;
+    }
+    return std::generic_category().message(errno);
+}
+
+}  // namespace KIVRA::TSHARK::PLATFORM
