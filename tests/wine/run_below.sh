@@ -2,8 +2,9 @@
 # Runs a program of the system below Wine, for a tshark.exe that waits for it:
 #
 #   run_below.sh MARKER PROGRAM [ARGUMENT...]             removes the marker at the program's end
-#   run_below.sh port:PORT:TOKEN PROGRAM [ARGUMENT...]    connects twice: for the program's input,
-#                                                         and for its output
+#   run_below.sh port:PORT:TOKEN PROGRAM [ARGUMENT...]    connects three times: for the program's
+#                                                         input, for its output, and for its status
+#                                                         with what it wrote to its standard error
 #
 # A connection begins with the token, by which tshark.exe knows it.
 #
@@ -24,12 +25,14 @@ shift
 case $meeting in
 port:*)
     IFS=: read -r _ port token <<<"$meeting"
-    exec 3<>"/dev/tcp/127.0.0.1/$port" 4<>"/dev/tcp/127.0.0.1/$port"
-    printf %s "$token" >&3
-    printf %s "$token" >&4
-    # tshark reads from pipes but from no socket. None but the program may hold what it prints to,
-    # whose end is its end.
-    exec "$@" < <(exec cat <&3 3>&- 4>&-) >&4 3>&- 4>&-
+    for connection in 3 4 5; do
+        eval "exec $connection<>/dev/tcp/127.0.0.1/$port"
+        printf %s "$token" >&$connection
+    done
+    # tshark reads from pipes but from no socket.
+    status=0
+    errors=$("$@" < <(exec cat <&3 3>&- 4>&- 5>&-) 2>&1 >&4 3>&- 5>&-) || status=$?
+    printf '%s\n%s' "$status" "$errors" >&5
     ;;
 *)
     trap 'rm "$meeting"' EXIT

@@ -6,12 +6,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <filesystem>
 #include <random>
 #include <string>
-#include <string_view>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -71,7 +70,7 @@ SOCKET listen_here(u_short& port) {
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     int size = sizeof address;
     auto* const any_address = reinterpret_cast<sockaddr*>(&address);
-    if (bind(listener, any_address, size) != 0 || listen(listener, 2) != 0 ||
+    if (bind(listener, any_address, size) != 0 || listen(listener, 3) != 0 ||
         getsockname(listener, any_address, &size) != 0) {
         return INVALID_SOCKET;
     }
@@ -115,8 +114,25 @@ void copy_output_from(SOCKET connection) {
     }
 }
 
+/// Passes on what the program below wrote to its standard error.
+/// @return its exit status, which stands in front of that
+int finish_with(SOCKET connection) {
+    std::string text;
+    std::array<char, 4'096> buffer{};
+    int count = 0;
+    while ((count = recv(connection, buffer.data(), buffer.size(), 0)) > 0) {
+        text.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    const auto end = std::min(text.find('\n'), text.size());
+    const std::string errors = text.substr(std::min(end + 1, text.size()));
+    DWORD written = 0;
+    WriteFile(GetStdHandle(STD_ERROR_HANDLE), errors.data(), static_cast<DWORD>(errors.size()),
+              &written, nullptr);
+    return std::atoi(text.substr(0, end).c_str());
+}
+
 /// Wine hands a program below no pipe, but both know the same sockets: one is for the program's
-/// input, the next for its output.
+/// input, the next for its output, the last for its end.
 int run_with_sockets() {
     WSADATA data{};
     u_short port = 0;
@@ -131,18 +147,17 @@ int run_with_sockets() {
     }
     const SOCKET input = accept_with(token, listener);
     const SOCKET output = accept_with(token, listener);
+    const SOCKET status = accept_with(token, listener);
     closesocket(listener);
     // May wait for input that never comes: the end of this process is its end.
     std::thread(copy_input_to, input).detach();
     copy_output_from(output);
-    return 0;
+    return finish_with(status);
 }
 
 }  // namespace
 
-int main(int count, char** arguments) {
-    const std::vector<std::string_view> list(arguments, arguments + count);
-    constexpr std::array<std::string_view, 2> from_input{"-r", "-"};
-    const auto found = std::search(list.begin(), list.end(), from_input.begin(), from_input.end());
-    return found == list.end() ? run_with_marker() : run_with_sockets();
+int main() {
+    const bool has_pipe = GetFileType(GetStdHandle(STD_OUTPUT_HANDLE)) == FILE_TYPE_PIPE;
+    return has_pipe ? run_with_sockets() : run_with_marker();
 }
