@@ -63,28 +63,27 @@ inline constexpr auto network_detach_types =
 inline constexpr auto release_assistance = std::to_array<std::string_view>(
     {"no information", "no more data", "a single downlink, no more uplink"});
 
-// clang-format off: a table
 inline constexpr auto nas_settings = std::to_array<table_row>({
     // Power saving. A timer's field is the label of its element, which alone tells them apart.
     {"GPRS Timer 2 - T3324 value", in_nas, "T3324", "s", "24.301, 9.9.3.16A; 24.008, 10.5.7.4",
      reading::gprs_timer_2},
     {"GPRS Timer 3 - T3412 extended value", in_nas, "T3412 extended", "s",
      "24.301, 9.9.3.16B; 24.008, 10.5.7.4a", reading::gprs_timer_3},
-    {"GPRS Timer - T3412 value", in_nas, "T3412", "s", "24.301, 9.9.3.16; 24.008, 10.5.7.3",
+    {"GPRS Timer - T3412 value", in_nas_answer, "T3412", "s", "24.301, 9.9.3.16; 24.008, 10.5.7.3",
      reading::gprs_timer},
-    {"GPRS Timer - T3402 value", in_nas, "T3402", "s", "24.301, 9.9.3.16; 24.008, 10.5.7.3",
+    {"GPRS Timer - T3402 value", in_nas_answer, "T3402", "s", "24.301, 9.9.3.16; 24.008, 10.5.7.3",
      reading::gprs_timer},
-    {"GPRS Timer 2 - T3402 value", in_nas, "T3402", "s", "24.301, 9.9.3.16A; 24.008, 10.5.7.4",
-     reading::gprs_timer_2},
-    {"GPRS Timer 2 - T3346 value", in_nas, "T3346", "s", "24.301, 9.9.3.16A; 24.008, 10.5.7.4",
-     reading::gprs_timer_2},
+    {"GPRS Timer 2 - T3402 value", in_nas_answer, "T3402", "s",
+     "24.301, 9.9.3.16A; 24.008, 10.5.7.4", reading::gprs_timer_2},
+    {"GPRS Timer 2 - T3346 value", in_nas_answer, "T3346", "s",
+     "24.301, 9.9.3.16A; 24.008, 10.5.7.4", reading::gprs_timer_2},
     {"gsm_a.gm.gmm.edrx_value", in_nas, "eDRX", "s", "24.301, 9.9.3.46; 24.008, 10.5.5.32",
      reading::edrx},
-    {"gsm_a.gm.gmm.cn_spec_drx_cycle_len_coef", in_nas, "UE-specific DRX cycle", "s",
+    {"gsm_a.gm.gmm.cn_spec_drx_cycle_len_coef", in_nas_request, "UE-specific DRX cycle", "s",
      "24.301, 9.9.3.8; 24.008, 10.5.5.6", reading::indexed, drx_values},
     {"emm.nb_s1_drx_param", in_nas, "UE-specific DRX cycle in NB-S1 mode", "s", "24.301, 9.9.3.63",
      reading::indexed, nb_drx_values},
-    {"esm.rel_assist_ind.ddx", in_nas, "release assistance", "", "24.301, 9.9.4.25",
+    {"esm.rel_assist_ind.ddx", in_nas_request, "release assistance", "", "24.301, 9.9.4.25",
      reading::indexed, release_assistance},
 
     // CIoT optimisations: what the modem can and prefers, what the network accepts.
@@ -105,11 +104,11 @@ inline constexpr auto nas_settings = std::to_array<table_row>({
     {"gsm_a.gm.sm.apn", in_nas, "APN", "", "24.301, 9.9.4.1; 24.008, 10.5.6.1", reading::text},
     {"esm_pdn_type", in_nas, "PDN type", "", "24.301, 9.9.4.9 and 9.9.4.10", reading::indexed,
      pdn_types},
-    {"esm.pdn_ipv4", in_nas, "PDN address", "", "24.301, 9.9.4.9", reading::text},
-    {"esm.pdn_ipv6_if_id", in_nas, "PDN interface identifier", "", "24.301, 9.9.4.9",
+    {"esm.pdn_ipv4", in_nas_answer, "PDN address", "", "24.301, 9.9.4.9", reading::text},
+    {"esm.pdn_ipv6_if_id", in_nas_answer, "PDN interface identifier", "", "24.301, 9.9.4.9",
      reading::text},
-    {"esm.apn_ambr_dl", in_nas, "APN-AMBR", "kbit/s", "24.301, 9.9.4.2", reading::apn_ambr},
-    {"esm.ext_apn_ambr_dl", in_nas, "extended APN-AMBR", "Mbit/s", "24.301, 9.9.4.29",
+    {"esm.apn_ambr_dl", in_nas_answer, "APN-AMBR", "kbit/s", "24.301, 9.9.4.2", reading::apn_ambr},
+    {"esm.ext_apn_ambr_dl", in_nas_answer, "extended APN-AMBR", "Mbit/s", "24.301, 9.9.4.29",
      reading::extended_apn_ambr},
     {"esm.serv_plmn_rate_ctrl_val",
      in_nas_answer,
@@ -150,6 +149,5 @@ inline constexpr auto nas_settings = std::to_array<table_row>({
     {"emm.cause", in_nas_answer, "EMM cause", "", "24.301, 9.9.3.9", reading::emm_cause},
     {"esm.cause", in_nas, "ESM cause", "", "24.301, 9.9.4.4", reading::esm_cause},
 });
-// clang-format on
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -69,7 +69,6 @@ inline constexpr std::string_view nb_release = "36.331, 6.7.2 (RRCConnectionRele
 inline constexpr std::string_view nb_reject = "36.331, 6.7.2 (RRCConnectionReject-NB)";
 }  // namespace CLAUSE
 
-// clang-format off: a table
 inline constexpr auto nb_rrc_settings = std::to_array<table_row>({
     // Master information block and system information block 1, which share the hyper-SFN.
     {"hyperSFN_LSB_r13",
@@ -227,6 +226,5 @@ inline constexpr auto nb_rrc_settings = std::to_array<table_row>({
      1,
      1800},
 });
-// clang-format on
 
 }  // namespace KIVRA::TSHARK::REPLAY

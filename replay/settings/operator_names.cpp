@@ -64,9 +64,12 @@ void add_to(operator_index& index, const json& entry) {
     if (!mcc || !first || !last) {
         return;
     }
+    const std::string name = name_of(entry);
     for (std::uint32_t code = *first; code <= *last; ++code) {
-        index[*mcc * codes_of_a_country + code].push_back(
-            {is_range ? std::to_string(code) : std::string(mnc), name_of(entry)});
+        auto& names = index[*mcc * codes_of_a_country + code];
+        if (std::ranges::find(names, name, &listed_operator::name) == names.end()) {
+            names.push_back({is_range ? std::to_string(code) : std::string(mnc), name});
+        }
     }
 }
 

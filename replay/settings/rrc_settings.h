@@ -133,7 +133,6 @@ inline constexpr std::string_view release = "36.331, 6.2.2 (RRCConnectionRelease
 inline constexpr std::string_view reject = "36.331, 6.2.2 (RRCConnectionReject)";
 }  // namespace CLAUSE
 
-// clang-format off: a table
 inline constexpr auto rrc_settings = std::to_array<table_row>({
     // System information block 1. Band 64 says that a v9e0 field has the band.
     {"plmn_Identity_element", in_sib1, "operator", "", CLAUSE::sib1, reading::plmn_identity},
@@ -336,6 +335,5 @@ inline constexpr auto rrc_settings = std::to_array<table_row>({
      1,
      1800},
 });
-// clang-format on
 
 }  // namespace KIVRA::TSHARK::REPLAY
