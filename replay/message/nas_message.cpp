@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "parser/esm_cause.h"
-#include "replay/message/emm_causes.h"
+#include "replay/record/emm_causes.h"
 #include "replay/message/nas_messages.h"
 
 namespace KIVRA::TSHARK::REPLAY {

@@ -10,6 +10,7 @@
 
 #include "replay/record/message_description.h"
 #include "replay/record/record_failure.h"
+#include "replay/record/setting.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -21,6 +22,8 @@ struct log_message {
 
 struct outcome {
     message_description message = {};
+    /// What the message tells in the units of 3GPP.
+    std::vector<setting> settings = {};
     /// The result document; null when there is none.
     nlohmann::json document = {};
     std::vector<log_message> log = {};

@@ -61,7 +61,8 @@ void in_process::finish_first(const outcome_handler& handler) {
     const pending_record first = std::move(pending_.front());
     pending_.pop_front();
     pending_bytes_ -= first.payload.size();
-    current_ = {.message = describe_record(first.record)};
+    current_ = {};
+    current_.message = describe_record(first.record);
     if (first.record.failure) {
         current_.failure = first.record.failure;
     } else {
@@ -75,7 +76,7 @@ void in_process::run(const trace_record& record) {
         ANALYSIS::analyse_record(
             context_, chunk_of(record), source_,
             [this](nlohmann::json document) { current_.document = std::move(document); },
-            [this](const nlohmann::json& packet) { current_.message = describe_packet(packet); });
+            [this](const nlohmann::json& packet) { reader_.read(packet, current_); });
     });
     if (result != KIVRA_RESULT_SUCCESS) {
         current_.failure = {failure_kind::analysis, context_.last_error_text};

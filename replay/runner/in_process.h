@@ -9,6 +9,7 @@
 
 #include "analysis/tshark/running_tshark.h"
 #include "context/sink_context.h"
+#include "replay/runner/dissection_reader.h"
 #include "replay/runner/record_runner.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -38,6 +39,7 @@ class in_process final : public record_runner {
     void run(const trace_record& record);
 
     outcome current_;
+    dissection_reader reader_;
     sink_context context_;
     ANALYSIS::running_tshark source_;
     std::deque<pending_record> pending_;

@@ -16,20 +16,19 @@ namespace KIVRA::TSHARK::REPLAY {
 message_reader::message_reader(std::filesystem::path tshark)
     : context_(nullptr, nullptr, std::move(tshark), unique_path("tshark", "json"), {}) {}
 
-message_description message_reader::read(const trace_record& record) {
-    auto description = describe_record(record);
+void message_reader::read(const trace_record& record, outcome& result) {
+    result.message = describe_record(record);
     try {
         if (const auto packet = ANALYSIS::packet_for_tshark(chunk_of(record))) {
             source_.dissect(context_, *packet, [&](const std::string& output) {
                 for (const auto& dissection : nlohmann::json::parse(output)) {
-                    description = describe_packet(dissection);
+                    reader_.read(dissection, result);
                 }
             });
         }
     } catch (const std::exception&) {
         // The plug-in meets the same and says so.
     }
-    return description;
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

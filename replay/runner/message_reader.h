@@ -1,12 +1,13 @@
-/// What the messages of records are, for runs whose dissections nobody but the plug-in sees.
+/// The dissections of records that nobody but the plug-in sees otherwise.
 #pragma once
 
 #include <filesystem>
 
 #include "analysis/tshark/running_tshark.h"
 #include "context/sink_context.h"
-#include "replay/record/message_description.h"
+#include "replay/record/outcome.h"
 #include "replay/record/record.h"
+#include "replay/runner/dissection_reader.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -17,9 +18,11 @@ class message_reader {
     ///     without a dissection
     explicit message_reader(std::filesystem::path tshark);
 
-    message_description read(const trace_record& record);
+    /// Describes the record, and adds what its dissection tells.
+    void read(const trace_record& record, outcome& result);
 
   private:
+    dissection_reader reader_;
     sink_context context_;
     ANALYSIS::running_tshark source_;
 };

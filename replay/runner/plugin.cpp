@@ -100,7 +100,8 @@ plugin_sink::~plugin_sink() {
 }
 
 void plugin_sink::submit(const trace_record& record, const outcome_handler& handler) {
-    current_ = {.message = messages_.read(record)};
+    current_ = {};
+    messages_.read(record, current_);
     if (record.failure) {
         current_.failure = record.failure;
     } else {

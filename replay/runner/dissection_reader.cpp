@@ -1,0 +1,16 @@
+#include "replay/runner/dissection_reader.h"
+
+#include "replay/message/describe_message.h"
+#include "replay/settings/settings_of.h"
+
+namespace KIVRA::TSHARK::REPLAY {
+
+void dissection_reader::read(const nlohmann::json& packet, outcome& result) {
+    result.message = describe_packet(packet);
+    if (const auto access = access_of(packet); access != radio_access::unknown) {
+        access_ = access;
+    }
+    result.settings = settings_of(packet, access_);
+}
+
+}  // namespace KIVRA::TSHARK::REPLAY
