@@ -8,6 +8,22 @@
 
 namespace KIVRA::TSHARK::REPLAY {
 
+namespace {
+
+nlohmann::ordered_json setting_member(const setting& told) {
+    nlohmann::ordered_json member{{"name", told.name},
+                                  {"value", told.value},
+                                  {"unit", told.unit},
+                                  {"role", text_of(told.role)},
+                                  {"clause", told.clause}};
+    if (!told.known) {
+        member["known"] = false;
+    }
+    return member;
+}
+
+}  // namespace
+
 void json_lines::begin(const std::string& /*heading*/) {}
 
 void json_lines::add(std::uint64_t number, const trace_record& record, const outcome& result) {
@@ -17,6 +33,9 @@ void json_lines::add(std::uint64_t number, const trace_record& record, const out
         line["error"] = result.failure->text;
     } else {
         line["result"] = result.document;
+    }
+    for (const auto& told : result.settings) {
+        line["settings"].push_back(setting_member(told));
     }
     if (result.message.is_malformed) {
         line["malformed"] = true;
