@@ -21,7 +21,7 @@
 #include "replay/record/path_text.h"
 #include "replay/report/formatting.h"
 #include "replay/report/json_lines.h"
-#include "replay/report/profile_file.h"
+#include "replay/trace/profile_file.h"
 #include "replay/report/table_report.h"
 #include "replay/runner/in_process.h"
 #include "replay/runner/plugin.h"

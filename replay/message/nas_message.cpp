@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "parser/esm_cause.h"
-#include "replay/record/emm_causes.h"
 #include "replay/message/nas_messages.h"
+#include "replay/record/emm_causes.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -153,6 +153,10 @@ message_description describe_nas_message(const json& layer) {
     }
     // What is exchanged while a connection goes on is little and tells what happens.
     description.is_procedure = !fields.is_ciphered;
+    constexpr unsigned tracking_area_update_request = 0x48;
+    description.event = fields.emm_type == tracking_area_update_request
+                            ? message_event::update_request
+                            : message_event::content;
     return description;
 }
 

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <charconv>
+#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -124,6 +127,64 @@ void add_blocks(const json& tree, std::string& blocks, int levels) {
     }
 }
 
+message_event event_of(std::string_view message, const rrc_channel& channel) {
+    constexpr std::array<std::string_view, 3> requests{
+        "rrcConnectionRequest", "rrcConnectionResumeRequest", "rrcEarlyDataRequest"};
+    constexpr std::array<std::string_view, 3> ends{"rrcConnectionRelease", "rrcConnectionReject",
+                                                   "rrcEarlyDataComplete"};
+    const auto begins = [message](std::string_view name) { return message.starts_with(name); };
+    if (std::ranges::any_of(requests, begins)) {
+        return message_event::connection_request;
+    }
+    if (std::ranges::any_of(ends, begins)) {
+        return message_event::connection_end;
+    }
+    if (begins("paging")) {
+        return message_event::paging;
+    }
+    return channel.name.find("DCCH") == std::string_view::npos ? message_event::none
+                                                               : message_event::content;
+}
+
+/// 3GPP TS 36.331, 6.2.2: EstablishmentCause and ResumeCause, which begin alike.
+constexpr std::array<std::string_view, 8> causes{
+    "emergency", "highPriorityAccess",  "mt-Access",    "mo-Signalling",
+    "mo-Data",   "delayTolerantAccess", "mo-VoiceCall", "mt-EDT"};
+
+/// 3GPP TS 36.331, 6.7.2: EstablishmentCause-NB.
+constexpr std::array<std::string_view, 6> narrowband_causes{
+    "mt-Access", "mo-Signalling", "mo-Data", "mo-ExceptionData", "delayTolerantAccess", "mt-EDT"};
+
+/// The cause by its number in the dissection; empty for a number without a name.
+std::string cause_name(const json& value, const rrc_channel& channel) {
+    const auto* const text = value.get_ptr<const std::string*>();
+    std::size_t number = causes.size();
+    if (text != nullptr) {
+        std::from_chars(text->data(), text->data() + text->size(), number);
+    }
+    const std::span<const std::string_view> names =
+        channel.name.ends_with(narrowband_end)
+            ? std::span<const std::string_view>(narrowband_causes)
+            : causes;
+    return number < names.size() ? std::string(names[number]) : "";
+}
+
+/// Why a request asks for a connection.
+std::string connection_cause(const json& tree, const rrc_channel& channel, int levels) {
+    for (const auto& [key, value] : tree.items()) {
+        const auto name = name_between(key, "");
+        if (name.starts_with("establishmentCause") || name.starts_with("resumeCause")) {
+            return cause_name(value, channel);
+        }
+        if (value.is_object() && levels > 0) {
+            if (auto cause = connection_cause(value, channel, levels - 1); !cause.empty()) {
+                return cause;
+            }
+        }
+    }
+    return {};
+}
+
 bool changes_connection(std::string_view message) {
     return message.starts_with("rrc") || message.starts_with("mobility");
 }
@@ -148,6 +209,12 @@ message_description describe_rrc_message(const json& layer) {
         }
         description.name += ", " + message_name(message.name, *channel);
         description.is_procedure = changes_connection(message.name);
+        description.event = event_of(message.name, *channel);
+        if (description.event == message_event::connection_request) {
+            constexpr int levels_to_cause = 6;
+            description.connection_cause =
+                connection_cause(*message.value, *channel, levels_to_cause);
+        }
         if (message.name.starts_with("systemInformation") &&
             !message.name.starts_with("systemInformationBlock")) {
             constexpr int levels_to_blocks = 8;

@@ -15,6 +15,20 @@ enum class message_kind {
     other,
 };
 
+/// What a message does to a connection.
+enum class message_event {
+    none,
+    /// The modem asks for one.
+    connection_request,
+    /// The network releases or refuses it.
+    connection_end,
+    paging,
+    /// A tracking area update is asked for; that is content, too.
+    update_request,
+    /// Something that the modem and the network say in the connection.
+    content,
+};
+
 /// Why the network rejects.
 struct message_cause {
     /// "EMM cause" or "ESM cause".
@@ -28,6 +42,9 @@ struct message_description {
     /// EPS bearer context request"; never empty.
     std::string name = {};
     message_kind kind = message_kind::other;
+    message_event event = message_event::none;
+    /// Why the modem asks for a connection, such as "mo-Data"; empty where nothing says it.
+    std::string connection_cause = {};
     std::vector<message_cause> causes = {};
     /// It begins, changes or ends a connection, a registration or a session.
     bool is_procedure = false;

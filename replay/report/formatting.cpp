@@ -1,7 +1,9 @@
 #include "replay/report/formatting.h"
 
+#include <algorithm>
 #include <chrono>
 #include <iomanip>
+#include <ostream>
 #include <sstream>
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -43,6 +45,20 @@ std::string printable(std::string_view text) {
         }
     }
     return result;
+}
+
+void print_wrapped(std::ostream& out, std::string_view text, std::string_view line_start) {
+    constexpr std::size_t line_width = 80;
+    while (!text.empty()) {
+        const auto width = line_width - line_start.size();
+        auto end = text.size();
+        if (end > width) {
+            const auto blank = text.rfind(' ', width);
+            end = blank == std::string_view::npos ? std::min(text.find(' '), end) : blank;
+        }
+        out << line_start << text.substr(0, end) << '\n';
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
 }
 
 std::string pluralise(std::uint64_t count, std::string_view noun) {

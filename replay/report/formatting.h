@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,9 @@ std::string iso_8601(std::uint64_t timestamp);
 /// The text on one line, with nothing in it that a terminal would act on: control characters become
 /// "\x1b" and the like.
 std::string printable(std::string_view text);
+
+/// Prints words on lines of 80 columns that begin with the same text.
+void print_wrapped(std::ostream& out, std::string_view text, std::string_view line_start);
 
 /// "1 record", "2 records".
 std::string pluralise(std::uint64_t count, std::string_view noun);

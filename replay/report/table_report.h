@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "replay/report/novelty.h"
-#include "replay/report/profile_file.h"
 #include "replay/report/record_details.h"
 #include "replay/report/record_run.h"
 #include "replay/report/report.h"
 #include "replay/report/summary.h"
+#include "replay/trace/profile_file.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 

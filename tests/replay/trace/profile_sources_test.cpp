@@ -1,4 +1,4 @@
-#include "replay/report/profile_sources.h"
+#include "replay/trace/profile_sources.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "replay/report/profile_file.h"
+#include "replay/trace/profile_file.h"
 
 #include <chrono>
 #include <stdexcept>
