@@ -30,6 +30,7 @@ struct command_line {
     bool all = false;
     bool quiet = false;
     std::string output;
+    std::string summary;
     std::string plugin;
     std::string tshark_directory;
     std::string profile = "kivra-profile.json";
@@ -58,6 +59,8 @@ void add_report_options(CLI::App& app, command_line& line) {
     add_place(app, "-o,--output", "FILE", line.output,
               "Where the table or the JSON Lines go (default: the\n"
               "standard output)");
+    add_place(app, "--summary", "FILE", line.summary,
+              "Write the summary of the run to this file, as JSON");
 }
 
 void add_run_options(CLI::App& app, command_line& line) {
@@ -125,6 +128,7 @@ options options_of(const command_line& line) {
                    .tshark_directory = path_of(line.tshark_directory),
                    .profile = path_of(line.profile),
                    .output = path_of(line.output),
+                   .summary = path_of(line.summary),
                    .json = line.json,
                    .all = line.all,
                    .quiet = line.quiet,

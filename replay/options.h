@@ -21,6 +21,8 @@ struct options {
     std::filesystem::path profile;
     /// Where the report goes; empty: the standard output.
     std::filesystem::path output;
+    /// Where the summary goes as JSON; empty: nowhere.
+    std::filesystem::path summary;
     /// JSON Lines for programs, instead of a table for people.
     bool json = false;
     /// Every record in the table, not only those that tell something new.

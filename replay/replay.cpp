@@ -21,10 +21,11 @@
 #include "replay/record/path_text.h"
 #include "replay/report/formatting.h"
 #include "replay/report/json_lines.h"
-#include "replay/trace/profile_file.h"
+#include "replay/report/summary_file.h"
 #include "replay/report/table_report.h"
 #include "replay/runner/in_process.h"
 #include "replay/runner/plugin.h"
+#include "replay/trace/profile_file.h"
 #include "sink/tshark_discovery.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -37,7 +38,7 @@ using PLATFORM::standard_stream;
 /// What would be written over a capture: the report or the profile.
 void refuse_to_overwrite_captures(const options& wanted) {
     for (const auto& source : wanted.captures) {
-        for (const auto& target : {wanted.output, wanted.profile}) {
+        for (const auto& target : {wanted.output, wanted.profile, wanted.summary}) {
             std::error_code missing;
             if (fs::equivalent(source, target, missing)) {
                 throw std::runtime_error(text_of(target) + " is a capture to read, not to write");
@@ -72,6 +73,9 @@ std::vector<std::unique_ptr<report>> reports_for(const options& wanted, output& 
     } else if (!wanted.quiet) {
         reports.push_back(
             std::make_unique<table_report>(out.stream(), out.takes_colour(), wanted.all, profile));
+    }
+    if (!wanted.summary.empty()) {
+        reports.push_back(std::make_unique<summary_file>(wanted.summary, profile));
     }
     return reports;
 }

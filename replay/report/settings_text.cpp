@@ -16,10 +16,13 @@ namespace KIVRA::TSHARK::REPLAY {
 namespace {
 
 constexpr std::string_view indent = "    ";
-constexpr int name_width = 28;
-constexpr int value_width = 16;
+constexpr int name_width = 32;
+constexpr int value_width = 14;
 constexpr int wide_value_width = 2 * value_width;
 constexpr int number_width = 8;
+/// Where columns end.
+constexpr int name_end = static_cast<int>(indent.size()) + name_width;
+constexpr int value_end = name_end + wide_value_width;
 
 constexpr double microseconds_a_second = 1'000'000;
 
@@ -27,11 +30,12 @@ std::string shown(const setting_entry* entry) {
     return entry == nullptr ? "-" : printable(text_of(entry->last));
 }
 
-/// In its column, or with a blank behind it where it is longer.
-void print_cell(std::ostream& out, const std::string& text, int width) {
+/// In its column; what is longer goes on alone, and the next column on the line below.
+/// @param end of the column, from the beginning of the line
+void print_cell(std::ostream& out, const std::string& text, int width, int end) {
     out << std::left << std::setw(width) << text;
     if (text.size() >= static_cast<std::size_t>(width)) {
-        out << ' ';
+        out << '\n' << std::setw(end) << "";
     }
 }
 
@@ -41,7 +45,7 @@ void print_numbers(std::ostream& out, std::uint64_t record, std::uint64_t change
 }
 
 void print_heading(std::ostream& out, std::string_view name) {
-    out << '\n' << std::left << std::setw(name_width + static_cast<int>(indent.size())) << name;
+    out << '\n' << std::left << std::setw(name_end) << name;
 }
 
 bool has_role(const setting_entry& entry, setting_role role) {
@@ -72,9 +76,9 @@ void print_agreed(std::ostream& out, const setting_history& settings) {
         }
         const auto* const last = given == nullptr ? asked : given;
         out << indent;
-        print_cell(out, printable(entry.name), name_width);
-        print_cell(out, shown(asked), value_width);
-        print_cell(out, shown(given), value_width);
+        print_cell(out, printable(entry.name), name_width, name_end);
+        print_cell(out, shown(asked), value_width, name_end + value_width);
+        print_cell(out, shown(given), value_width, value_end);
         print_numbers(
             out, last->last.record,
             (asked == nullptr ? 0 : asked->changes) + (given == nullptr ? 0 : given->changes));
@@ -94,8 +98,8 @@ void print_of_role(std::ostream& out, const setting_history& settings, setting_r
     for (const auto& entry : entries) {
         if (has_role(entry, role)) {
             out << indent;
-            print_cell(out, printable(entry.name), name_width);
-            print_cell(out, shown(&entry), wide_value_width);
+            print_cell(out, printable(entry.name), name_width, name_end);
+            print_cell(out, shown(&entry), wide_value_width, value_end);
             print_numbers(out, entry.last.record, entry.changes);
         }
     }
@@ -114,7 +118,7 @@ void print_durations(std::ostream& out, std::string_view name,
         return;
     }
     out << indent;
-    print_cell(out, std::string(name), name_width);
+    print_cell(out, std::string(name), name_width, name_end);
     out << durations.count() << " x";
     if (durations.count() == 1) {
         out << ' ' << seconds_text(durations.greatest()) << '\n';
@@ -136,17 +140,17 @@ void print_measured(std::ostream& out, const connection_log& connections) {
     print_durations(out, "between area updates", connections.between_updates());
     for (const auto& [cause, count] : connections.causes()) {
         out << indent;
-        print_cell(out, "connections for " + cause, name_width);
+        print_cell(out, "connections for " + cause, name_width, name_end);
         out << count << '\n';
     }
     if (const auto share = connections.share_connected()) {
         out << indent;
-        print_cell(out, "time connected", name_width);
+        print_cell(out, "time connected", name_width, name_end);
         out << std::fixed << std::setprecision(1) << *share << std::defaultfloat << " %\n";
     }
     if (connections.paging() != 0) {
         out << indent;
-        print_cell(out, "paging received", name_width);
+        print_cell(out, "paging received", name_width, name_end);
         out << connections.paging() << '\n';
     }
 }

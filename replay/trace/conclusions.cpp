@@ -86,18 +86,17 @@ class reasoning {
 
     void about_sleep(const setting_entry& given) {
         const auto* const extended = granted("T3412 extended");
-        // One that is deactivated or missing leaves the plain timer.
-        const auto* const periodic = seconds_in(extended) ? extended : granted("T3412");
-        std::string text = "PSM granted: reachable for " + readable_seconds(*active_time_) +
-                           " (T3324) after each release";
+        // It takes the place of T3412, also where it is deactivated.
+        const auto* const periodic = extended == nullptr ? granted("T3412") : extended;
+        std::string text = "PSM granted: after each release reachable for " +
+                           readable_seconds(*active_time_) + ", which is T3324";
         if (const auto period = seconds_in(periodic)) {
             const double sleep = std::max(*period - *active_time_, 0.0);
-            text += ", then asleep for up to " + readable_seconds(sleep) + ", until " +
-                    periodic->name + " (" + readable_seconds(*period) +
-                    ") asks for a tracking area update";
-        } else if (extended != nullptr) {
-            text += ", then asleep until it has something to send: T3412 extended is " +
-                    extended->last.value;
+            text += ", then asleep for up to " + readable_seconds(sleep) + ": " + periodic->name +
+                    " asks for a tracking area update every " + readable_seconds(*period);
+        } else if (periodic != nullptr) {
+            text += ", then asleep until it has something to send: " + periodic->name + " is " +
+                    periodic->last.value;
         }
         add(text + '.', given);
         if (const auto* const wanted = requested("T3324");
