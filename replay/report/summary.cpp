@@ -44,7 +44,7 @@ void print_wrapped(std::ostream& out, std::string_view text, std::string_view li
 
 /// What to know about a format that is not analysed.
 std::string analysis_note(const std::string& format) {
-    if (format.empty() || is_analysed(format)) {
+    if (format.empty() || format == others || is_analysed(format)) {
         return {};
     }
     const auto nearest = nearest_analysed(format);
