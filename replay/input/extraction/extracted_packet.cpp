@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 
 #include <nlohmann/json.hpp>
 
+#include "analysis/tshark/packet_splitter.h"
 #include "replay/input/extraction/extraction_options.h"
 #include "replay/input/extraction/packet_time.h"
 #include "replay/record/rrc_channels.h"
@@ -192,7 +192,7 @@ const json& layers_of(const json& packets) {
     const json* level = packets.is_array() && !packets.empty() ? &packets.front() : &nothing;
     for (const char* const member : {"_source", "layers", "frame"}) {
         if (!level->is_object() || !level->contains(member)) {
-            throw std::runtime_error("output of tshark holds what is not a packet");
+            throw ANALYSIS::not_a_packet();
         }
         if (member != std::string_view("frame")) {
             level = &level->at(member);
@@ -204,7 +204,7 @@ const json& layers_of(const json& packets) {
 }  // namespace
 
 extracted_packet extract_messages(const std::string& text) {
-    const json packets = json::parse(text);
+    const json packets = json::parse(text, nullptr, /*allow_exceptions=*/false);
     const json& layers = layers_of(packets);
     const json& frame = layers.at("frame");
     extracted_packet packet;
