@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <stdexcept>
+#include <string>
 #include <utility>
 
 #include "replay/input/extraction/user_link_types.h"
@@ -44,8 +46,12 @@ void extracted_capture::start(extraction_depth depth) {
 extraction_state extracted_capture::read_packet() {
     std::string text;
     extraction_state state{};
+    extracted_packet packet;
     try {
         state = process_->read(text, patience);
+        if (state == extraction_state::packet) {
+            packet = packet_in(text);
+        }
     } catch (const capture_error&) {
         ended_ = true;
         records_.let_go();
@@ -55,7 +61,6 @@ extraction_state extracted_capture::read_packet() {
     if (state != extraction_state::packet) {
         return state;
     }
-    auto packet = extract_messages(text);
     // Behind another look, what was seen before comes again.
     if (packet.number > last_packet_) {
         if (packet.hides_messages && depth_ == extraction_depth::layers) {
@@ -65,6 +70,15 @@ extraction_state extracted_capture::read_packet() {
         }
     }
     return state;
+}
+
+/// @throws capture_error for what tshark does not print
+extracted_packet extracted_capture::packet_in(const std::string& text) const {
+    try {
+        return extract_messages(text);
+    } catch (const std::runtime_error& error) {
+        throw capture_error(source_.name, error.what());
+    }
 }
 
 void extracted_capture::add(extracted_packet packet) {

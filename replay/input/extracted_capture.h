@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "replay/input/capture.h"
@@ -26,6 +27,7 @@ class extracted_capture final : public capture {
   private:
     void start(extraction_depth depth);
     extraction_state read_packet();
+    extracted_packet packet_in(const std::string& text) const;
     void add(extracted_packet packet);
     void explain_user_link_type() const;
     trace_record handed_out(extracted_record record);

@@ -1,5 +1,8 @@
 #include "replay/input/printed_capture.h"
 
+#include <stdexcept>
+#include <string>
+
 #include "replay/input/link_types.h"
 #include "replay/input/packet_verdict.h"
 
@@ -14,7 +17,11 @@ std::optional<trace_record> printed_capture::next() {
         return std::nullopt;
     }
     ++packets_;
-    current_ = read_frame(text);
+    try {
+        current_ = read_frame(text);
+    } catch (const std::runtime_error& error) {
+        throw capture_error(source_.name, error.what());
+    }
     const auto* const type = link_type_of_encapsulation(current_.encapsulation);
     if (type == nullptr) {
         throw capture_error(source_.name, "packet " + std::to_string(packets_) +
@@ -40,7 +47,7 @@ bool packets_are_records(const capture_source& source) {
                 break;
             }
         }
-    } catch (const capture_error&) {
+    } catch (const std::runtime_error&) {
         // Who reads the records says so.
     }
     return verdict.are_records();

@@ -11,11 +11,12 @@ namespace {
 
 using nlohmann::json;
 
-/// A layer by the first of its names that is there; null when there is none.
+/// A layer by the first of its names that is there; null when there is none. It is a text where
+/// there was nothing to dissect.
 const json* find_layer(const json& layers, std::initializer_list<const char*> names) {
     for (const char* const name : names) {
         const auto found = layers.find(name);
-        if (found != layers.end() && found->is_object()) {
+        if (found != layers.end()) {
             return &*found;
         }
     }

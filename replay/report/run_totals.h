@@ -14,6 +14,9 @@
 
 namespace KIVRA::TSHARK::REPLAY {
 
+/// What things are called together that have no entry of their own.
+inline constexpr const char* others = "others";
+
 /// Things by their names, in the order in which they came up. Past a hundred names, the rest is one
 /// thing by the name of "others".
 template <typename Thing>
@@ -27,7 +30,7 @@ class named_things {
             }
         }
         if (things_.size() == most_names) {
-            things_.emplace_back("others", Thing{});
+            things_.emplace_back(others, Thing{});
         }
         if (things_.size() > most_names) {
             return things_.back().second;

@@ -148,6 +148,11 @@ void print_measured(std::ostream& out, const connection_log& connections) {
         print_cell(out, "time connected", name_width, name_end);
         out << std::fixed << std::setprecision(1) << *share << std::defaultfloat << " %\n";
     }
+    if (connections.incomplete() != 0) {
+        out << indent;
+        print_cell(out, "connections not whole", name_width, name_end);
+        out << connections.incomplete() << '\n';
+    }
     if (connections.paging() != 0) {
         out << indent;
         print_cell(out, "paging received", name_width, name_end);

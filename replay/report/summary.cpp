@@ -28,7 +28,7 @@ std::string in_record(std::uint64_t number) {
 
 /// What to know about a format that is not analysed.
 std::string analysis_note(const std::string& format) {
-    if (format.empty() || is_analysed(format)) {
+    if (format.empty() || format == others || is_analysed(format)) {
         return {};
     }
     const auto nearest = nearest_analysed(format);

@@ -114,6 +114,7 @@ json measured_of(const connection_log& log) {
                 {"idle", durations_of(log.idle())},
                 {"between_area_updates", durations_of(log.between_updates())},
                 {"causes", log.causes()},
+                {"incomplete", log.incomplete()},
                 {"paging", log.paging()},
                 {"connections", connections_of(log)}};
     if (const auto share = log.share_connected()) {

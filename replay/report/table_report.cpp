@@ -50,7 +50,7 @@ void table_report::add(std::uint64_t number, const trace_record& record, const o
     if (run_.size() == 0) {
         first_of_run_ = row_of(number, record, result, details);
     }
-    run_.add(number, marked_name(result.message));
+    run_.add(number, result.message.name);
 }
 
 void table_report::end(const capture_content& captures) {

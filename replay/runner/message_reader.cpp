@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "analysis/analysis_run.h"
+#include "analysis/output_processing.h"
 #include "context/unique_path.h"
 #include "replay/message/describe_message.h"
 #include "replay/runner/record_runner.h"
@@ -20,8 +21,11 @@ void message_reader::read(const trace_record& record, outcome& result) {
     result.message = describe_record(record);
     try {
         if (const auto packet = ANALYSIS::packet_for_tshark(chunk_of(record))) {
-            source_.dissect(context_, *packet, [&](const std::string& output) {
-                for (const auto& dissection : nlohmann::json::parse(output)) {
+            source_.dissect(context_, *packet, [&](std::string output) {
+                // As the analysis reads it.
+                const auto packets =
+                    nlohmann::json::parse(ANALYSIS::number_repeated_names(std::move(output)));
+                for (const auto& dissection : packets) {
                     reader_.read(dissection, result);
                 }
             });

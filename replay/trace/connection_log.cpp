@@ -8,9 +8,15 @@ namespace {
 
 constexpr std::size_t most_connections = 1'000;
 
-/// Time stamps may go back, as where captures follow each other.
-std::uint64_t time_between(std::uint64_t earlier, std::uint64_t later) {
-    return later > earlier ? later - earlier : 0;
+/// 3GPP TS 24.301, table 10.2.1: T3430, after which the modem repeats a request. A trace has one as
+/// a NAS message and within an RRC message, too.
+constexpr std::uint64_t shortest_update_interval = 15'000'000;
+
+/// Time stamps may go back, as where captures follow each other: that is no duration.
+void add_duration(duration_statistics& durations, std::uint64_t from, std::uint64_t to) {
+    if (from <= to) {
+        durations.add(to - from);
+    }
 }
 
 }  // namespace
@@ -43,7 +49,7 @@ std::uint64_t duration_statistics::median() const {
 
 void connection_log::add(std::uint64_t number, const trace_record& record, const outcome& result) {
     const std::uint64_t now = record.timestamp;
-    begin_ = number == 1 ? now : begin_;
+    begin_ = number == 1 ? now : std::min(begin_, now);
     end_ = std::max(end_, now);
     switch (result.message.event) {
         case message_event::connection_request:
@@ -56,10 +62,7 @@ void connection_log::add(std::uint64_t number, const trace_record& record, const
             ++paging_;
             break;
         case message_event::update_request:
-            if (last_update_) {
-                between_updates_.add(time_between(*last_update_, now));
-            }
-            last_update_ = now;
+            update(now);
             [[fallthrough]];
         case message_event::content:
             if (open_) {
@@ -74,8 +77,9 @@ void connection_log::add(std::uint64_t number, const trace_record& record, const
 
 void connection_log::open(std::uint64_t number, std::uint64_t timestamp, const std::string& cause) {
     if (!open_ && last_) {
-        idle_.add(time_between(last_->end, timestamp));
+        add_duration(idle_, last_->end, timestamp);
     }
+    incomplete_ += open_ ? 1 : 0;
     open_ = connection{.first_record = number,
                        .last_record = number,
                        .begin = timestamp,
@@ -86,13 +90,14 @@ void connection_log::open(std::uint64_t number, std::uint64_t timestamp, const s
 
 void connection_log::close(std::uint64_t number, std::uint64_t timestamp) {
     if (!open_) {
+        ++incomplete_;
         return;
     }
     open_->last_record = number;
     open_->end = timestamp;
-    connected_.add(time_between(open_->begin, timestamp));
+    add_duration(connected_, open_->begin, timestamp);
     if (open_->last_content != open_->begin) {
-        inactivity_.add(time_between(open_->last_content, timestamp));
+        add_duration(inactivity_, open_->last_content, timestamp);
     }
     ++causes_[open_->cause.empty() ? "unknown" : open_->cause];
     if (connections_.size() < most_connections) {
@@ -102,13 +107,23 @@ void connection_log::close(std::uint64_t number, std::uint64_t timestamp) {
     open_.reset();
 }
 
+void connection_log::update(std::uint64_t timestamp) {
+    if (last_update_ && timestamp >= *last_update_ &&
+        timestamp - *last_update_ < shortest_update_interval) {
+        return;
+    }
+    if (last_update_) {
+        add_duration(between_updates_, *last_update_, timestamp);
+    }
+    last_update_ = timestamp;
+}
+
 std::optional<double> connection_log::share_connected() const {
-    const std::uint64_t time = time_between(begin_, end_);
-    if (connected_.count() == 0 || time == 0) {
+    if (connected_.count() == 0 || begin_ >= end_) {
         return std::nullopt;
     }
     constexpr double percent = 100;
-    return percent * static_cast<double>(connected_.sum()) / static_cast<double>(time);
+    return percent * static_cast<double>(connected_.sum()) / static_cast<double>(end_ - begin_);
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

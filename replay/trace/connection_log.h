@@ -52,15 +52,13 @@ struct connection {
 
 /// A connection begins with RRCConnectionRequest, RRCConnectionResumeRequest or
 /// RRCEarlyDataRequest and ends with RRCConnectionRelease, RRCConnectionReject or
-/// RRCEarlyDataComplete; a second request begins it anew. What a message between says is its
+/// RRCEarlyDataComplete; a second request begins it anew. A duration whose end is before its
+/// beginning does not count. What a message between says is its
 /// content: messages of the dedicated channels (DCCH), NAS messages and IP packets. Broadcasts and
 /// paging are not.
 class connection_log {
   public:
     void add(std::uint64_t number, const trace_record& record, const outcome& result);
-
-    /// Whether a connection has begun and not ended.
-    bool is_connected() const { return open_.has_value(); }
 
     /// The first thousand, for reports that show them.
     const std::vector<connection>& connections() const { return connections_; }
@@ -74,17 +72,17 @@ class connection_log {
     /// From a release until the next request.
     const duration_statistics& idle() const { return idle_; }
 
-    /// Between tracking area update requests.
+    /// Between tracking area update requests; those less than 15 s apart count as one.
     const duration_statistics& between_updates() const { return between_updates_; }
+
+    /// Connections that have no end in the trace, or no beginning.
+    std::uint64_t incomplete() const { return incomplete_ + (open_ ? 1 : 0); }
 
     /// Paging messages that were received.
     std::uint64_t paging() const { return paging_; }
 
     /// How often each cause came.
     const std::map<std::string, std::uint64_t>& causes() const { return causes_; }
-
-    /// The last release, for what follows from it; nothing before the first.
-    std::optional<connection> last() const { return last_; }
 
     /// Of the time from the first record to the last, in percent; nothing for a trace without a
     /// connection that ended, or without time.
@@ -97,6 +95,7 @@ class connection_log {
   private:
     void open(std::uint64_t number, std::uint64_t timestamp, const std::string& cause);
     void close(std::uint64_t number, std::uint64_t timestamp);
+    void update(std::uint64_t timestamp);
 
     std::optional<connection> open_;
     std::optional<connection> last_;
@@ -107,6 +106,7 @@ class connection_log {
     duration_statistics between_updates_;
     std::optional<std::uint64_t> last_update_;
     std::map<std::string, std::uint64_t> causes_;
+    std::uint64_t incomplete_ = 0;
     std::uint64_t paging_ = 0;
     std::uint64_t begin_ = 0;
     std::uint64_t end_ = 0;

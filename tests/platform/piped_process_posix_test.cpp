@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <memory>
@@ -302,6 +303,122 @@ TEST_F(piped_processes_on_posix, end_with_a_host_that_is_killed) {
     EXPECT_TRUE(WIFEXITED(status));
     ::close(numbers[0]);
     ::close(numbers[1]);
+}
+
+/// Reads the output to its end.
+void finish(piped_process& process) {
+    std::array<char, 1'000> room{};
+    while (!process.exchange("", room, /*wait=*/true).ended) {
+    }
+}
+
+std::unique_ptr<piped_process> finished_script(const std::string& script, error_text errors) {
+    auto process =
+        std::make_unique<piped_process>("/bin/sh", std::vector<std::string>{"-c", script}, errors);
+    finish(*process);
+    return process;
+}
+
+TEST_F(piped_processes_on_posix, tell_their_exit_status) {
+    EXPECT_EQ(finished_script("exit 0", error_text::dropped)->exit_status(), 0);
+    const auto process = finished_script("exit 7", error_text::dropped);
+    EXPECT_EQ(process->exit_status(), 7);
+    EXPECT_EQ(process->exit_status(), 7);
+}
+
+TEST_F(piped_processes_on_posix, tell_the_signal_that_ended_them) {
+    EXPECT_EQ(finished_script("kill -TERM $$", error_text::dropped)->exit_status(), 128 + SIGTERM);
+}
+
+TEST_F(piped_processes_on_posix, leave_no_child_behind_their_exit_status) {
+    auto process = finished_script("exit 7", error_text::dropped);
+    EXPECT_EQ(process->exit_status(), 7);
+    expect_no_children();
+    process.reset();
+}
+
+TEST_F(piped_processes_on_posix, keep_what_they_print_to_their_standard_error) {
+    const auto process =
+        finished_script("echo first >&2; echo output; echo second >&2", error_text::kept);
+    EXPECT_EQ(process->printed_errors(), "first\nsecond\n");
+    EXPECT_EQ(process->printed_errors(), "first\nsecond\n");
+}
+
+TEST_F(piped_processes_on_posix, tell_what_they_have_printed_while_they_run) {
+    const auto process =
+        std::make_unique<piped_process>("/bin/sh",
+                                        std::vector<std::string>{"-c",
+                                                                 "echo error >&2; echo output; "
+                                                                 "read x; echo more >&2; echo x"},
+                                        error_text::kept);
+    EXPECT_EQ(read_line(*process), "output");
+    EXPECT_EQ(process->printed_errors(), "error\n");
+    process->exchange("\n", {}, /*wait=*/true);
+    EXPECT_EQ(read_line(*process), "x");
+    EXPECT_EQ(process->printed_errors(), "error\nmore\n");
+}
+
+TEST_F(piped_processes_on_posix, keep_64_kib_of_errors) {
+    const auto process = finished_script("head -c 100000 /dev/zero >&2", error_text::kept);
+    EXPECT_EQ(process->printed_errors(), std::string(65'536, '\0'));
+}
+
+TEST_F(piped_processes_on_posix, keep_no_errors_unless_asked) {
+    EXPECT_EQ(finished_script("echo error >&2", error_text::dropped)->printed_errors(), "");
+}
+
+TEST_F(piped_processes_on_posix, leave_no_descriptor_of_kept_errors_behind) {
+    const auto descriptors = TESTING::names_in("/proc/self/fd");
+    finished_script("echo error >&2", error_text::kept);
+    EXPECT_EQ(TESTING::names_in("/proc/self/fd"), descriptors);
+}
+
+// What is not there yet is waited for up to a day, so that a test which waits for the wrong thing
+// runs into its time limit.
+constexpr std::chrono::hours day{24};
+
+TEST_F(piped_processes_on_posix, are_waited_for_until_they_print) {
+    const auto process = start_script("read x; echo output; exec cat");
+    process->exchange("\n", {}, /*wait=*/true);
+    process->wait({.input = false, .output = true}, day);
+    std::array<char, 10> room{};
+    EXPECT_GT(process->exchange("", room, /*wait=*/false).read, 0U);
+}
+
+TEST_F(piped_processes_on_posix, are_waited_for_until_they_end) {
+    const auto process = start_script("exit");
+    process->wait({.input = false, .output = true}, day);
+    std::array<char, 10> room{};
+    EXPECT_TRUE(process->exchange("", room, /*wait=*/false).ended);
+}
+
+TEST_F(piped_processes_on_posix, are_waited_for_until_they_take_input) {
+    const auto process = start_script("exec cat >/dev/null");
+    const std::string much(10'000'000, 'x');
+    process->exchange(much, {}, /*wait=*/true);
+    process->wait({.input = true, .output = false}, day);
+    EXPECT_GT(process->exchange(much, {}, /*wait=*/false).written, 0U);
+}
+
+TEST_F(piped_processes_on_posix, are_waited_for_until_something_else_is_ready) {
+    const auto process = start_script("exec cat");
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe(ends.data()), 0);
+    ASSERT_EQ(::write(ends[1], "x", 1), 1);
+    process->wait({.input = false, .output = true, .other = ends[0]}, day);
+    ::close(ends[1]);
+    char c = 0;
+    ASSERT_EQ(::read(ends[0], &c, 1), 1);
+    // The end of a pipe is an occasion, too.
+    process->wait({.input = false, .output = true, .other = ends[0]}, day);
+    ::close(ends[0]);
+    expect_echo(*process);
+}
+
+TEST_F(piped_processes_on_posix, are_not_waited_for_beyond_the_given_time) {
+    const auto process = start_script("exec cat");
+    process->wait({.input = false, .output = true}, std::chrono::milliseconds(1));
+    expect_echo(*process);
 }
 
 }  // namespace

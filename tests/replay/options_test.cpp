@@ -12,9 +12,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::ThrowsMessage;
 
-std::variant<options, std::string> read(std::vector<const char*> arguments) {
-    arguments.insert(arguments.begin(), "kivra-replay");
-    return read_command_line(static_cast<int>(arguments.size()), arguments.data());
+std::variant<options, std::string> read(const std::vector<std::string>& arguments) {
+    return read_command_line(arguments);
 }
 
 TEST(command_line, needs_only_a_capture) {

@@ -27,7 +27,7 @@ using testing::Not;
 using testing::StartsWith;
 
 constexpr const char* prefix_details =
-    "ip                      PDN prefix 2001:0db8:0001:0000:0000:0000:0000:0000\n";
+    "IPv6 packet; PDN prefix 2001:0db8:0001:0000:0000:0000:0000:0000\n";
 
 const image_packet ip_packet{exported_pdu_image("ip", router_advertisement()), 0};
 const image_packet nameless_packet{end_of_tags() + "m", 0};
@@ -67,20 +67,19 @@ TEST_F(kivra_replay, shows_every_record_of_an_lte_m_attach_and_the_profile) {
     EXPECT_EQ(result.error, "22 records, 0 failed\n");
     EXPECT_THAT(
         result.output,
-        AllOf(
-            HasSubstr("\n      1  2025-11-24T16:00:00.000000Z  lte_rrc.bcch_dl_sch_br  "
-                      "idrx_int 1.28, idrx_reps 16\n"),
-            HasSubstr("  rrcConnectionSetup; cdrx_int 30, cdrx_on_duration 10, "
-                      "cdrx_inactive_timer 100\n"),
-            HasSubstr("\n     10  2025-11-24T16:00:00.331200Z  nas-eps                 nothing\n"),
-            HasSubstr("\n     15  2025-11-24T16:00:00.637500Z  ip                      "
-                      "PDN prefix 2001:0db8:0001:0000:0000:0000:0000:0000, "),
-            HasSubstr(
-                "\n     22  2025-11-24T17:00:06.153500Z  lte_rrc.dl_dcch         "
-                "rrcConnectionRelease\n\n22 records: 20 with a result, 2 without, 0 failed\n"),
-            Not(HasSubstr("log: "))));
+        AllOf(HasSubstr("\n        1  2025-11-24T16:00:00.000000Z  BCCH-DL-SCH BR, "
+                        "SystemInformation-BR-r13 [SIB2]; idrx_int 1.28, idrx_reps 16\n"),
+              HasSubstr("  DL-CCCH, RRCConnectionSetup; cdrx_int 30, cdrx_on_duration 10, "
+                        "cdrx_inactive_timer 100\n"),
+              HasSubstr("\n       10  2025-11-24T16:00:00.331200Z  ESM information request\n"),
+              HasSubstr("\n       15  2025-11-24T16:00:00.637500Z  IPv6 packet; "
+                        "PDN prefix 2001:0db8:0001:0000:0000:0000:0000:0000, "),
+              HasSubstr("\n       22  2025-11-24T17:00:06.153500Z  DL-DCCH, RRCConnectionRelease\n"
+                        "\n22 records: 20 with a result, 2 without, 0 failed\n"),
+              Not(HasSubstr("log: "))));
     EXPECT_THAT(result.output,
-                AllOf(HasSubstr("  Attach accept; T3324 10 seconds (00000101), "),
+                AllOf(HasSubstr("  Attach accept, Activate default EPS bearer context request; "
+                                "T3324 10 seconds (00000101), "),
                       HasSubstr(", operator 262/2 Vodafone D2 GmbH, Germany, "),
                       HasSubstr(", apn iot.example.mnc002.mcc262.gprs, "),
                       HasSubstr(", APN-AMBR downlink 568 kbit/s, APN-AMBR uplink 576 kbit/s, "),
@@ -107,9 +106,11 @@ TEST_F(kivra_replay, shows_every_record_of_an_nb_iot_attach_and_the_profile) {
     EXPECT_EQ(result.error, "8 records, 0 failed\n");
     EXPECT_THAT(
         result.output,
-        AllOf(HasSubstr("      1  2025-11-25T19:46:40.000000Z  lte_rrc.bcch_dl_sch.nb  idrx_int"),
-              HasSubstr(", cause 50 PDN type IPv4 only allowed\n"),
-              HasSubstr("  Attach reject; cause 27 Missing or unknown APN\n"),
+        AllOf(HasSubstr("        1  2025-11-25T19:46:40.000000Z  BCCH-DL-SCH NB, "
+                        "SystemInformation-NB [SIB2]; idrx_int 0.64, idrx_reps 64\n"),
+              HasSubstr(", ESM cause 50: PDN type IPv4 only allowed\n"),
+              HasSubstr("  Attach reject, PDN connectivity reject; EMM cause 19: ESM failure, "
+                        "ESM cause 27: Missing or unknown APN\n"),
               HasSubstr("\nprofile nb iot.json\n"),
               HasSubstr("    idrx_int                        0.64        record 1\n"),
               HasSubstr("    idrx_reps                       64          record 1\n")));
@@ -149,21 +150,21 @@ TEST_F(kivra_replay, takes_raw_ip_captures) {
         EXPECT_EQ(result.status, 0);
         EXPECT_THAT(
             result.output,
-            HasSubstr(std::string("\n      1  1970-01-01T00:00:00.000001Z  ") + prefix_details));
+            HasSubstr(std::string("\n        1  1970-01-01T00:00:00.000001Z  ") + prefix_details));
     }
 }
 
 TEST_F(kivra_replay, takes_several_captures_for_one_stream) {
     write_capture("a.pcapng", {ip_packet, ip_packet});
     write_capture("b.pcapng", {ip_packet});
-    const auto result = run({"a.pcapng", "b.pcapng"});
+    const auto result = run({"a.pcapng", "b.pcapng", "--all"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.error, "3 records, 0 failed\n");
     const auto record = [](int number) {
-        return "      " + std::to_string(number) + "  1970-01-01T00:00:00.000000Z  " +
+        return "        " + std::to_string(number) + "  1970-01-01T00:00:00.000000Z  " +
                prefix_details;
     };
-    EXPECT_THAT(result.output, HasSubstr("details\n" + record(1) + record(2) + record(3) + "\n"));
+    EXPECT_THAT(result.output, HasSubstr("message\n" + record(1) + record(2) + record(3) + "\n"));
 }
 
 TEST_F(kivra_replay, reads_the_standard_input) {
@@ -172,8 +173,12 @@ TEST_F(kivra_replay, reads_the_standard_input) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.error, "1 record, 0 failed\n");
     write_file("c.pcapng", "no capture");
-    expect_refusal(run({"-"}, {.input = "c.pcapng"}),
-                   "can't read standard input: unknown file format");
+    const auto refused = run({"-"}, {.input = "c.pcapng"});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_EQ(refused.error,
+              "kivra-replay: can't read standard input: The standard input isn't a capture file in "
+              "a format TShark understands.\n"
+              "0 records, 0 failed\n");
 }
 
 TEST_F(kivra_replay, reads_pipes) {
@@ -195,9 +200,9 @@ TEST_F(kivra_replay, reports_records_that_fail_and_goes_on) {
     EXPECT_EQ(result.error, "4 records, 3 failed\n");
     EXPECT_THAT(
         result.output,
-        AllOf(HasSubstr("  failed: no dissector name among the packet's tags\n"),
-              HasSubstr("  failed: [json.exception.parse_error.101]"),
-              HasSubstr("  failed: cut short by the snapshot length: 13 of 99 bytes"),
+        AllOf(HasSubstr("  unknown message; failed: no dissector name among the packet's tags\n"),
+              HasSubstr("  nas-eps; failed: [json.exception.parse_error.101]"),
+              HasSubstr("  IPv6 packet; failed: cut short by the snapshot length: 13 of 99 bytes"),
               HasSubstr(prefix_details),
               HasSubstr("        What tshark printed is no JSON: tshark ended early, or it is not "
                         "tshark.\n")));
@@ -208,10 +213,12 @@ TEST_F(kivra_replay, says_what_became_of_a_lab_network) {
     write_capture("c.pcapng", {lab_network_accept()});
     const auto result = run({"c.pcapng"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.output,
-                AllOf(HasSubstr("  failed: invalid stoi argument\n"),
-                      HasSubstr("    1 x invalid stoi argument (first in record 1)\n"),
-                      HasSubstr("lab networks such as 001/01 do so every time")));
+    EXPECT_THAT(
+        result.output,
+        AllOf(HasSubstr("  Attach accept, Activate default EPS bearer context request; failed: "
+                        "invalid stoi argument\n"),
+              HasSubstr("    1 x invalid stoi argument (first in record 1)\n"),
+              HasSubstr("lab networks such as 001/01 do so every time")));
 }
 
 TEST_F(kivra_replay, prints_json_lines) {
@@ -295,10 +302,10 @@ TEST_F(kivra_replay, is_coloured_on_a_terminal_only) {
 
 constexpr int ended_by_sigint = -2;
 
-/// The script of a tshark that has kivra-replay's process group interrupted, as Ctrl-C does, and
-/// then works as always.
+/// The script of a tshark that has kivra-replay's process group interrupted the first time, as
+/// Ctrl-C does, and then works as always.
 constexpr const char* interrupting_tshark =
-    "kill -s INT -- \"-$(cat group)\"\n"
+    "if mkdir bin/started 2>/dev/null; then kill -s INT -- \"-$(cat group)\"; fi\n"
     "exec /usr/bin/tshark \"$@\"\n";
 
 /// kivra-replay in a process group whose number is in the file "group".
@@ -313,7 +320,7 @@ TEST_F(kivra_replay, ends_after_the_record_at_hand_when_interrupted) {
     const auto result = run_in_group("c.pcapng --tshark-directory bin --plugin " KIVRA_PLUGIN);
     EXPECT_EQ(result.status, ended_by_sigint);
     EXPECT_EQ(result.error, "2 records, 0 failed\n");
-    EXPECT_THAT(result.output, AllOf(HasSubstr("  idrx_int 0.64, idrx_reps 64\n\n2 records: 2"),
+    EXPECT_THAT(result.output, AllOf(HasSubstr("; idrx_int 0.64, idrx_reps 64\n\n2 records: 2"),
                                      HasSubstr("\nprofile kivra-profile.json\n    idrx_int ")));
     EXPECT_THAT(names_in("."), ElementsAre("bin", "c.pcapng", "group", "kivra-profile.json"));
 }
@@ -324,7 +331,7 @@ TEST_F(kivra_replay, reports_what_it_has_read_when_interrupted) {
     const auto result = run_in_group("c.pcapng --tshark-directory bin");
     EXPECT_EQ(result.status, ended_by_sigint);
     EXPECT_THAT(result.error, testing::MatchesRegex("[23] records, 0 failed\n"));
-    EXPECT_THAT(result.output, AllOf(HasSubstr("  idrx_int 0.64, idrx_reps 64\n"),
+    EXPECT_THAT(result.output, AllOf(HasSubstr("; idrx_int 0.64, idrx_reps 64\n"),
                                      HasSubstr("\nprofile kivra-profile.json\n    idrx_int ")));
     EXPECT_THAT(names_in("."), ElementsAre("bin", "c.pcapng", "group", "kivra-profile.json"));
 }
@@ -358,7 +365,8 @@ TEST_F(kivra_replay, stops_waiting_for_input_when_interrupted) {
 TEST_F(kivra_replay, calls_the_plugin_in_order) {
     write_capture("c.pcapng", {{exported_pdu_image("log", "one"), 7},
                                nameless_packet,
-                               {exported_pdu_image("fail", "two"), 8}});
+                               {exported_pdu_image("fail", "two"), 8},
+                               {exported_pdu_image("nas-eps", "three"), 9}});
     const auto result = run({"--plugin", KIVRA_RECORDING_PLUGIN, "--tshark-directory", "/t",
                              "--profile", "p.json", "c.pcapng"});
     EXPECT_EQ(result.status, 1);
@@ -368,12 +376,13 @@ TEST_F(kivra_replay, calls_the_plugin_in_order) {
               "init tshark_directory=/t file_path=p.json\n"
               "data log one 7\n"
               "data fail two 8\n"
+              "data nas-eps three 9\n"
               "complete\n"
               "release\n");
-    EXPECT_THAT(
-        result.output,
-        AllOf(StartsWith(KIVRA_RECORDING_PLUGIN " 1.22.3, tshark in /t\n\n record  time "),
-              HasSubstr("  log: x mapping not found\n"), HasSubstr("  failed: failed on two\n")));
+    EXPECT_THAT(result.output, AllOf(StartsWith(KIVRA_RECORDING_PLUGIN
+                                                " 1.22.3, tshark in /t\n\n   record  time "),
+                                     HasSubstr("  log; log: x mapping not found\n"),
+                                     HasSubstr("  fail; failed: failed on two\n")));
 }
 
 TEST_F(kivra_replay, finds_tshark_on_path) {
@@ -405,18 +414,36 @@ TEST_F(kivra_replay, refuses_a_wrong_command_line) {
     expect_refusal(run({""}), "must not be empty");
 }
 
-TEST_F(kivra_replay, refuses_captures_that_can_not_be_read_before_any_record_is_run) {
+TEST_F(kivra_replay, refuses_captures_that_can_not_be_opened_before_any_record_is_run) {
     write_capture("good.pcapng", {ip_packet});
-    write_file("text.pcapng", "no capture at all");
-    write_file("ethernet.pcap", capture_image(1, {}, {.pcapng = false}));
     const auto refused = [](const char* name) {
         return run({"good.pcapng", name, "--plugin", KIVRA_RECORDING_PLUGIN});
     };
     expect_refusal(refused("missing.pcapng"), "missing.pcapng: No such file or directory");
-    expect_refusal(refused("text.pcapng"), "text.pcapng: unknown file format");
     expect_refusal(refused("."), "Is a directory");
-    expect_refusal(refused("ethernet.pcap"), "ethernet.pcap: unsupported link type EN10MB");
     EXPECT_THAT(read_file("calls"), Not(HasSubstr("data")));
+}
+
+TEST_F(kivra_replay, goes_on_with_the_next_behind_what_is_no_capture) {
+    write_file("text.pcapng", "no capture at all");
+    write_capture("good.pcapng", {ip_packet});
+    const auto result = run({"text.pcapng", "good.pcapng"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.error, "kivra-replay: can't read text.pcapng: The file \"" +
+                                (scratch() / "text.pcapng").string() +
+                                "\" isn't a capture file in a format TShark understands.\n"
+                                "1 record, 0 failed\n");
+    EXPECT_THAT(result.output, HasSubstr(prefix_details));
+}
+
+TEST_F(kivra_replay, says_that_a_capture_holds_no_record_and_goes_on_with_the_next) {
+    write_file("ethernet.pcap", capture_image(1, {}, {.pcapng = false}));
+    write_capture("good.pcapng", {ip_packet});
+    const auto result = run({"ethernet.pcap", "good.pcapng"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error,
+              "kivra-replay: ethernet.pcap: 0 packets; no LTE RRC or NAS\n1 record, 0 failed\n");
+    EXPECT_THAT(result.output, HasSubstr(prefix_details));
 }
 
 TEST_F(kivra_replay, refuses_a_plugin_that_can_not_be_loaded) {
@@ -460,7 +487,7 @@ TEST_F(kivra_replay, shows_what_a_broken_capture_gives_and_goes_on_with_the_next
     EXPECT_THAT(result.error, AllOf(StartsWith("kivra-replay: can't read broken.pcapng: "),
                                     EndsWith("\n2 records, 0 failed\n")));
     EXPECT_THAT(result.output,
-                AllOf(HasSubstr("  idrx_int 1.28, idrx_reps 16\n"), HasSubstr(prefix_details),
+                AllOf(HasSubstr("; idrx_int 1.28, idrx_reps 16\n"), HasSubstr(prefix_details),
                       HasSubstr("\nprofile kivra-profile.json\n"
                                 "    idrx_int                        1.28        record 1\n"
                                 "    idrx_reps                       16          record 1\n")));
@@ -473,7 +500,9 @@ TEST_F(kivra_replay, shows_no_profile_of_an_earlier_run) {
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output,
                 AllOf(EndsWith("\nprofile kivra-profile.json: not written by this run: the "
-                               "records did not give both idrx_int and idrx_reps\n"),
+                               "records did not give both idrx_int and idrx_reps\n"
+                               "    Both come from system information (BCCH), of which there was "
+                               "none.\n"),
                       Not(HasSubstr("5.12"))));
 }
 

@@ -18,7 +18,7 @@ struct capture_source {
     /// The file's, too.
     std::unique_ptr<PLATFORM::input_stream> stream = nullptr;
     /// The executable.
-    std::filesystem::path tshark;
+    std::filesystem::path tshark = {};
     extraction_options options = {};
 };
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -139,7 +138,7 @@ std::ptrdiff_t occurrences(std::string_view protocols, auto is_wanted) {
 }  // namespace
 
 extracted_packet extract_messages(const std::string& text) {
-    const auto packets = printed_json::parse(text);
+    const auto packets = parse_printed(text);
     const printed_json& layers = layers_of(packets);
     const printed_json& frame = layers.at("frame");
     extracted_packet packet;

@@ -36,7 +36,7 @@ struct extracted_packet {
 /// @param text a JSON array with one packet as tshark prints it (-T json -x --no-duplicate-keys):
 ///     bytes stand in members whose names end in "_raw", as [HEX, POSITION, LENGTH, BITMASK, TYPE]
 ///     or a list of such
-/// @throws std::runtime_error for a text that is no such packet
+/// @throws ANALYSIS::not_a_packet for a text that is no such packet
 extracted_packet extract_messages(const std::string& text);
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -30,11 +30,14 @@ std::string argument_of(const std::filesystem::path& file) {
     return {name.begin(), name.end()};
 }
 
-/// The first line that tshark itself wrote to its standard error, without its name.
+/// The first line that tshark itself wrote to its standard error, without its name, which may have
+/// its path.
 std::string complaint_in(std::string_view errors) {
     constexpr std::string_view mark = "tshark: ";
+    constexpr std::string_view before_name = "\n/";
     auto begin = errors.find(mark);
-    while (begin != std::string_view::npos && begin != 0 && errors[begin - 1] != '\n') {
+    while (begin != std::string_view::npos && begin != 0 &&
+           before_name.find(errors[begin - 1]) == std::string_view::npos) {
         begin = errors.find(mark, begin + 1);
     }
     if (begin == std::string_view::npos) {

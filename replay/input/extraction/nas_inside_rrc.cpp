@@ -20,7 +20,7 @@ std::uint64_t distance(std::uint64_t one, std::uint64_t other) {
 
 void nas_inside_rrc::add(extracted_record record) {
     lets_go_ = false;
-    newest_ = std::max(newest_, record.timestamp);
+    latest_ = record.timestamp;
     if (record.format == "nas-eps" && !record.is_inside_rrc) {
         own_.push_back({record.timestamp, record.payload});
     }
@@ -49,7 +49,7 @@ std::optional<extracted_record> nas_inside_rrc::next() {
 }
 
 bool nas_inside_rrc::is_decided(const extracted_record& record) const {
-    return !record.is_inside_rrc || lets_go_ || newest_ > record.timestamp + second ||
+    return !record.is_inside_rrc || lets_go_ || distance(latest_, record.timestamp) > second ||
            waiting_.size() > most_waiting || !stands_alone(record);
 }
 

@@ -21,8 +21,8 @@ struct extracted_record {
 
 /// A queue that records leave in their order. One that stood inside an RRC message is dropped if
 /// the same bytes also come as a record of their own within a second of time stamps, before or
-/// after; so it, and what is behind it, waits until the time stamps have gone that far, or until
-/// more than a thousand records wait.
+/// after; so it, and what is behind it, waits until the time stamps have gone that far or back, or
+/// until more than a thousand records wait.
 class nas_inside_rrc {
   public:
     void add(extracted_record record);
@@ -47,7 +47,8 @@ class nas_inside_rrc {
     std::deque<extracted_record> waiting_;
     /// NAS messages that came as records of their own, of the last second.
     std::deque<own_record> own_;
-    std::uint64_t newest_ = 0;
+    /// Of the record that was added last. Clocks are set back, too.
+    std::uint64_t latest_ = 0;
     bool lets_go_ = false;
 };
 

@@ -8,7 +8,7 @@
 namespace KIVRA::TSHARK::REPLAY {
 
 printed_frame read_frame(const std::string& text) {
-    const auto packets = printed_json::parse(text);
+    const auto packets = parse_printed(text);
     const auto& layers = layers_of(packets);
     const auto& frame = layers.at("frame");
     printed_frame found{.timestamp = packet_time(text_of(frame, "frame.time_epoch")),

@@ -19,7 +19,7 @@ struct printed_frame {
 };
 
 /// @param text a JSON array with one packet as tshark prints it (-T json -x)
-/// @throws std::runtime_error for a text that is no such packet
+/// @throws ANALYSIS::not_a_packet for a text that is no such packet
 printed_frame read_frame(const std::string& text);
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -1,7 +1,6 @@
 #include "replay/input/extraction/printed_json.h"
 
-#include <stdexcept>
-#include <string>
+#include "analysis/tshark/packet_splitter.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -31,11 +30,15 @@ const std::string* digits_of(const printed_json& raw) {
 
 }  // namespace
 
+printed_json parse_printed(const std::string& text) {
+    return printed_json::parse(text, nullptr, /*allow_exceptions=*/false);
+}
+
 const printed_json& layers_of(const printed_json& packets) {
     static const printed_json::json_pointer path("/0/_source/layers");
     static const printed_json::json_pointer frame("/0/_source/layers/frame");
     if (!packets.contains(frame)) {
-        throw std::runtime_error("output of tshark holds what is not a packet");
+        throw ANALYSIS::not_a_packet();
     }
     return packets.at(path);
 }

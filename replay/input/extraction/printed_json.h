@@ -3,6 +3,7 @@
 
 #include <charconv>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -13,9 +14,12 @@ namespace KIVRA::TSHARK::REPLAY {
 /// Keeps the order of members, which is that of the packet's layers.
 using printed_json = nlohmann::ordered_json;
 
+/// What tshark prints for a packet; nothing valid for a text that is no JSON.
+printed_json parse_printed(const std::string& text);
+
 /// "layers" of the first packet.
 /// @param packets an array; outlives the result
-/// @throws std::runtime_error when it holds no packet with a layer "frame"
+/// @throws ANALYSIS::not_a_packet when it holds no packet with a layer "frame"
 const printed_json& layers_of(const printed_json& packets);
 
 /// A text; empty for a member of another kind.

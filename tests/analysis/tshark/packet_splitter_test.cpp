@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -89,6 +90,45 @@ TEST(packet_splitters, give_nothing_more_behind_what_they_refuse) {
     splitter.add("x" + packet_of("1"));
     EXPECT_THROW(splitter.next(), not_a_packet);
     EXPECT_THROW(splitter.next(), not_a_packet);
+}
+
+/// What is behind the packets, and how many there are, of a text that comes in pieces.
+std::pair<std::string, int> text_behind(std::string_view text, std::size_t piece,
+                                        behind_packets allowed = behind_packets::text) {
+    packet_splitter splitter(allowed);
+    std::pair<std::string, int> found;
+    for (; !text.empty(); text.remove_prefix(std::min(piece, text.size()))) {
+        splitter.add(text.substr(0, piece));
+        while (splitter.next()) {
+            ++found.second;
+        }
+        found.first += splitter.text_behind();
+    }
+    return found;
+}
+
+TEST(packet_splitters, give_the_text_behind_the_packets_where_it_is_allowed) {
+    const auto output = "[\n  " + packet_of("1") + ",\n  " + packet_of("2") + "\n]\n";
+    const std::string statistics = "\n===\nFilter: {[\"]}\n===\n";
+    for (const std::size_t piece : {1U, 2U, 7U, 65'536U}) {
+        EXPECT_THAT(text_behind(output + statistics, piece), testing::Pair("\n" + statistics, 2));
+    }
+}
+
+TEST(packet_splitters, give_the_text_behind_no_packets) {
+    EXPECT_THAT(text_behind("[\n\n\n]\ntext", 65'536), testing::Pair("\ntext", 0));
+}
+
+TEST(packet_splitters, have_no_text_before_and_between_packets) {
+    for (const std::string output : {"text", "text[]", "[text]"}) {
+        EXPECT_THROW(text_behind(output, 65'536), not_a_packet) << output;
+    }
+    EXPECT_THROW(text_behind("[" + packet_of("1") + "text]", 65'536), not_a_packet);
+    EXPECT_THAT(text_behind("[" + packet_of("1"), 65'536), testing::Pair("", 1));
+}
+
+TEST(packet_splitters, have_no_text_behind_the_packets_where_none_is_allowed) {
+    EXPECT_THAT(text_behind("[]\n", 65'536, behind_packets::nothing), testing::Pair("", 0));
 }
 
 }  // namespace

@@ -85,5 +85,27 @@ TEST(exported_pdu, needs_whole_tags) {
     EXPECT_THAT([] { reading_of(""); }, ThrowsMessage<std::runtime_error>(broken));
 }
 
+bool has_table_only(const std::string& packet) {
+    return names_dissector_table(
+        {reinterpret_cast<const std::uint8_t*>(packet.data()), packet.size()});
+}
+
+TEST(exported_pdu, may_name_a_table_of_dissectors) {
+    EXPECT_TRUE(has_table_only(pdu_tag(14, "udp.port") + pdu_tag(32, "\0\0\x12\x79"s) +
+                               end_of_tags() + "m"));
+}
+
+TEST(exported_pdu, that_names_a_dissector_needs_no_table) {
+    EXPECT_FALSE(has_table_only(exported_pdu_image("nas-eps", "m")));
+    EXPECT_FALSE(has_table_only(pdu_tag(14, "udp.port") + dissector_name_tag("nas-eps") +
+                                end_of_tags() + "m"));
+}
+
+TEST(exported_pdu, that_is_broken_names_no_table) {
+    EXPECT_FALSE(has_table_only(end_of_tags() + "m"));
+    EXPECT_FALSE(has_table_only(pdu_tag(14, "udp.port")));
+    EXPECT_FALSE(has_table_only(""));
+}
+
 }  // namespace
 }  // namespace KIVRA::TSHARK::REPLAY

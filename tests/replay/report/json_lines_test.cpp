@@ -16,7 +16,7 @@ std::string json_line(std::uint64_t number, const trace_record& record, const ou
     json_lines lines(out);
     lines.begin("heading");
     lines.add(number, record, result);
-    lines.end();
+    lines.end({});
     return out.str();
 }
 
@@ -50,6 +50,13 @@ TEST(json_lines, hold_every_log_message) {
         R"("log":[{"level":3,"message":"x mapping not found"},)"
         R"({"level":3,"message":"tshark processing took: 412ms"}]})"
         "\n");
+}
+
+TEST(json_lines, tell_of_a_malformed_message) {
+    EXPECT_EQ(json_line(8, nas_record, {.message = {.is_malformed = true}}),
+              R"({"number":8,"time":"2025-11-24T16:00:00.000000Z","format":"nas-eps",)"
+              R"("result":null,"malformed":true,"log":[]})"
+              "\n");
 }
 
 TEST(json_lines, replace_what_is_no_utf_8) {

@@ -105,7 +105,7 @@ TEST_F(in_process_runs, leave_nothing_behind) {
     const auto result = run({capture_file("nbiot_attach.pcapng")});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output,
-                StartsWith("one tshark in /usr/bin for all records\n\n record  time"));
+                StartsWith("one tshark in /usr/bin for all records\n\n   record  time"));
     EXPECT_THAT(names_in("."), ElementsAre("kivra-profile.json"));
 }
 

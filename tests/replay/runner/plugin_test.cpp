@@ -22,6 +22,9 @@ using testing::IsEmpty;
 using testing::StartsWith;
 using testing::ThrowsMessage;
 
+/// What these plug-ins are given is no message.
+constexpr const char* no_tshark = "no-tshark";
+
 trace_record record_of(const char* format, std::string_view payload) {
     return {.timestamp = 99,
             .format = format,
@@ -53,7 +56,7 @@ TEST_F(plugins, describe_themselves) {
 TEST_F(plugins, are_called_in_order) {
     static_cast<void>(loaded_->describe());
     {
-        plugin_sink target(loaded_, "/t", "p.json");
+        plugin_sink target(loaded_, "/t", no_tshark, "p.json");
         run(target, record_of("nas-eps", "message"));
         run(target, record_of("ip", ""));
         target.complete();
@@ -69,18 +72,18 @@ TEST_F(plugins, are_called_in_order) {
 }
 
 TEST_F(plugins, are_asked_for_a_session) {
-    { const plugin_sink target(loaded_, "/t", "p.json", true); }
+    { const plugin_sink target(loaded_, "/t", no_tshark, "p.json", true); }
     EXPECT_THAT(read_file("calls"),
                 StartsWith("init tshark_directory=/t file_path=p.json tshark_session=on\n"));
 }
 
 TEST_F(plugins, are_cancelled_when_the_run_is_broken_off) {
-    { const plugin_sink target(loaded_, "/t", "p.json"); }
+    { const plugin_sink target(loaded_, "/t", no_tshark, "p.json"); }
     EXPECT_EQ(read_file("calls"), "init tshark_directory=/t file_path=p.json\ncancel\nrelease\n");
 }
 
 TEST_F(plugins, hand_documents_back) {
-    plugin_sink target(loaded_, "/t", "p.json");
+    plugin_sink target(loaded_, "/t", no_tshark, "p.json");
     const auto result = run(target, record_of("document", ""));
     EXPECT_EQ(result.document, nlohmann::json({{"a", "b"}}));
     EXPECT_THAT(result.log, IsEmpty());
@@ -88,14 +91,14 @@ TEST_F(plugins, hand_documents_back) {
 }
 
 TEST_F(plugins, tell_why_a_record_failed_and_go_on) {
-    plugin_sink target(loaded_, "/t", "p.json");
+    plugin_sink target(loaded_, "/t", no_tshark, "p.json");
     EXPECT_EQ(run(target, record_of("fail", "this")).failure,
               (record_failure{failure_kind::analysis, "failed on this"}));
     EXPECT_EQ(run(target, record_of("document", "")).failure, std::nullopt);
 }
 
 TEST_F(plugins, log_for_the_record_that_is_run) {
-    plugin_sink target(loaded_, "/t", "p.json");
+    plugin_sink target(loaded_, "/t", no_tshark, "p.json");
     EXPECT_THAT(run(target, record_of("log", "")).log,
                 ElementsAre(FieldsAre(3U, "x mapping not found"),
                             FieldsAre(3U, "tshark processing took: 412ms")));
@@ -104,7 +107,7 @@ TEST_F(plugins, log_for_the_record_that_is_run) {
 
 TEST_F(plugins, are_not_given_a_record_that_can_not_be_run) {
     {
-        plugin_sink target(loaded_, "/t", "p.json");
+        plugin_sink target(loaded_, "/t", no_tshark, "p.json");
         auto record = record_of("document", "");
         record.failure = {failure_kind::truncated_packet, "cut short"};
         const auto result = run(target, record);
@@ -115,7 +118,7 @@ TEST_F(plugins, are_not_given_a_record_that_can_not_be_run) {
 }
 
 TEST_F(plugins, tell_why_they_refuse_to_start) {
-    EXPECT_THAT([this] { plugin_sink(loaded_, "/refused", "p.json"); },
+    EXPECT_THAT([this] { plugin_sink(loaded_, "/refused", no_tshark, "p.json"); },
                 ThrowsMessage<std::runtime_error>("the plug-in can't start: refused"));
     EXPECT_EQ(read_file("calls"), "init tshark_directory=/refused file_path=p.json\n");
 }
