@@ -416,6 +416,29 @@ TEST_F(nas_settings_tests, a_guti_names_the_operator) {
                 ElementsAre("granted operator: 262/02 Vodafone D2 GmbH, Germany"));
 }
 
+/// 24.301, 8.2.21 (security protected NAS message): integrity protected, without a real code.
+std::string integrity_protected(const std::string& message) {
+    return "170000000001" + message;
+}
+
+TEST_F(nas_settings_tests, session_messages_of_their_own_are_read) {
+    EXPECT_THAT(settings(integrity_protected("0201d0222805047465737427058080210000")),
+                IsSupersetOf(lines{"requested PDN type: IPv6", "requested APN: test"}));
+    EXPECT_THAT(settings(integrity_protected("0201da28050474657374")),
+                ElementsAre("requested APN: test"));
+    EXPECT_THAT(settings(integrity_protected("5201c31f")),
+                ElementsAre("requested ESM cause: 31 Request rejected, unspecified"));
+    EXPECT_THAT(settings(integrity_protected("5201c95e020101")),
+                UnorderedElementsAre("granted APN-AMBR downlink: 1 kbit/s",
+                                     "granted APN-AMBR uplink: 1 kbit/s"));
+    EXPECT_THAT(settings(integrity_protected("5201cd24")),
+                ElementsAre("granted ESM cause: 36 Regular deactivation"));
+    EXPECT_THAT(settings(integrity_protected("0201d131")),
+                ElementsAre("granted ESM cause: 49 Last PDN disconnection not allowed"));
+    EXPECT_THAT(settings(integrity_protected("0201d331")),
+                ElementsAre("granted ESM cause: 49 Last PDN disconnection not allowed"));
+}
+
 TEST_F(nas_settings_tests, other_messages_have_none) {
     EXPECT_THAT(settings("074300035200c2"), IsEmpty());
 }
