@@ -159,6 +159,19 @@ TEST(values_that_the_tables_do_not_know, are_raw_and_marked) {
                 ElementsAre("granted operator: 00x/1000"));
 }
 
+TEST(choices_of_setup_and_release, have_either_name_for_their_value) {
+    for (const char* name :
+         {"lte-rrc.setup", "lte-rrc.physicalConfigDedicated.eag_7.ce_Mode_r13.setup"}) {
+        json packet = packet_with("lte_rrc", R"({"lte-rrc.DL_DCCH_Message_element": {
+            "lte-rrc.rrcConnectionReconfiguration_element": {
+                "lte-rrc.ce_Mode_r13": "1", "lte-rrc.ce_Mode_r13_tree": {}}}})");
+        packet["_source"]["layers"]["lte_rrc"]["lte-rrc.DL_DCCH_Message_element"]
+              ["lte-rrc.rrcConnectionReconfiguration_element"]["lte-rrc.ce_Mode_r13_tree"][name] =
+                  "1";
+        EXPECT_THAT(lines_of(settings_of(packet)), ElementsAre("configured CE mode: B"));
+    }
+}
+
 TEST(fields_of_other_shapes, are_left_out) {
     for (const char* member :
          {R"("nas_eps.emm.cp_ciot": 1)", R"("nas_eps.emm.cp_ciot": {})",

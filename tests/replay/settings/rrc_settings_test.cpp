@@ -1,5 +1,5 @@
-// Messages of LTE RRC, dissected by the real tshark; what they carry was worked out from 3GPP TS
-// 36.331.
+// Messages of LTE RRC, encoded from their ASN.1 (unaligned PER) and dissected by the real tshark;
+// what their settings are was worked out from 3GPP TS 36.331.
 #include <string>
 #include <vector>
 
