@@ -87,13 +87,21 @@ TEST_F(kivra_replay, shows_every_record_of_an_lte_m_attach_and_the_profile) {
                       HasSubstr(", tac 20001, ")));
     EXPECT_THAT(result.output,
                 HasSubstr("\nprofile kivra-profile.json\n"
-                          "    cdrx_inactive_timer             100         record 12\n"
-                          "    cdrx_int                        30          record 12\n"
-                          "    cdrx_on_duration                10          record 12\n"
-                          "    config_lte_psm_req_rat          00000101    record 13\n"
-                          "    config_lte_psm_req_rptau        01000111    record 13\n"
-                          "    idrx_int                        2.56        record 16\n"
-                          "    idrx_reps                       32          record 16\n"
+                          "    cdrx_inactive_timer             100         record 12: DRX "
+                          "inactivity timer 100 PDCCH subframes\n"
+                          "    cdrx_int                        30          record 12: long DRX "
+                          "cycle 320 ms\n"
+                          "        differs: place in a table of timers, not milliseconds\n"
+                          "    cdrx_on_duration                10          record 12: on-duration "
+                          "timer 10 PDCCH subframes\n"
+                          "    config_lte_psm_req_rat          00000101    record 13: T3324 10 s "
+                          "granted\n"
+                          "    config_lte_psm_req_rptau        01000111    record 13: T3412 "
+                          "extended 252000 s granted\n"
+                          "    idrx_int                        2.56        record 16: default "
+                          "paging cycle 2.56 s\n"
+                          "    idrx_reps                       32          record 16: MPDCCH "
+                          "repetitions for paging 32\n"
                           "    psm                             True        record 13\n"
                           "    at their defaults: cdrx_len 7, chip 5, "));
     EXPECT_THAT(names_in("."), ElementsAre("kivra-profile.json"));
@@ -112,8 +120,11 @@ TEST_F(kivra_replay, shows_every_record_of_an_nb_iot_attach_and_the_profile) {
               HasSubstr("  Attach reject, PDN connectivity reject; EMM cause 19: ESM failure, "
                         "ESM cause 27: Missing or unknown APN\n"),
               HasSubstr("\nprofile nb iot.json\n"),
-              HasSubstr("    idrx_int                        0.64        record 1\n"),
-              HasSubstr("    idrx_reps                       64          record 1\n")));
+              HasSubstr("    idrx_int                        0.64        record 1: default paging "
+                        "cycle 2.56 s\n"
+                        "        differs: a quarter of it: NB-IoT's cycles read as LTE's\n"),
+              HasSubstr("    idrx_reps                       64          record 1: NPDCCH "
+                        "repetitions for paging 64\n")));
     EXPECT_THAT(names_in("."), ElementsAre("nb iot.json"));
 }
 
@@ -218,7 +229,7 @@ TEST_F(kivra_replay, says_what_became_of_a_lab_network) {
         AllOf(HasSubstr("  Attach accept, Activate default EPS bearer context request; failed: "
                         "invalid stoi argument\n"),
               HasSubstr("    1 x invalid stoi argument (first in record 1)\n"),
-              HasSubstr("lab networks such as 001/01 do so every time")));
+              HasSubstr("lab networks such as 001/01 do so every\n        time.")));
 }
 
 TEST_F(kivra_replay, prints_json_lines) {
@@ -489,8 +500,10 @@ TEST_F(kivra_replay, shows_what_a_broken_capture_gives_and_goes_on_with_the_next
     EXPECT_THAT(result.output,
                 AllOf(HasSubstr("; idrx_int 1.28, idrx_reps 16\n"), HasSubstr(prefix_details),
                       HasSubstr("\nprofile kivra-profile.json\n"
-                                "    idrx_int                        1.28        record 1\n"
-                                "    idrx_reps                       16          record 1\n")));
+                                "    idrx_int                        1.28        record 1: "
+                                "default paging cycle 1.28 s\n"
+                                "    idrx_reps                       16          record 1: MPDCCH "
+                                "repetitions for paging 16\n")));
 }
 
 TEST_F(kivra_replay, shows_no_profile_of_an_earlier_run) {
@@ -512,7 +525,7 @@ TEST_F(kivra_replay, replaces_the_profile_of_an_earlier_run) {
     const auto result = run({"c.pcapng"});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output,
-                HasSubstr("    idrx_int                        0.64        record 1\n"));
+                HasSubstr("    idrx_int                        0.64        record 1: "));
 }
 
 TEST_F(kivra_replay, says_that_the_profile_can_not_be_written) {

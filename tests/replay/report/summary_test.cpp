@@ -131,8 +131,8 @@ TEST_F(summaries, count_failures_and_log_messages_and_say_what_they_mean) {
         AllOf(HasSubstr("\nfailures and log messages\n"
                         "    2 x invalid stoi argument (first in record 1)\n"
                         "        The message names a network (GUTI) that the list of operators "
-                        "does not know, or that stands\n"
-                        "        behind"),
+                        "does not\n"
+                        "        know, or that stands behind"),
               HasSubstr("\n    1 x 22 mapping not found (first in record 2)\n        tshark shows"),
               HasSubstr("\n    1 x odd (first in record 4)\n\nprofile"),
               Not(HasSubstr("processing took"))));
@@ -149,9 +149,9 @@ TEST_F(summaries, leave_out_what_there_is_none_of) {
 TEST_F(summaries, say_that_plain_lte_cells_give_no_profile) {
     add_message("BCCH-DL-SCH, SystemInformation [SIB2]");
     EXPECT_THAT(printed(),
-                EndsWith("\n    Plain LTE cells broadcast no paging repetitions; those for LTE-M "
-                         "(BCCH-DL-SCH BR) and for NB-IoT\n"
-                         "    (BCCH-DL-SCH NB) do, in system information block 2.\n"));
+                EndsWith("\n    Plain LTE cells broadcast no paging repetitions; those for LTE-M\n"
+                         "    (BCCH-DL-SCH BR) and for NB-IoT (BCCH-DL-SCH NB) do, in system "
+                         "information\n    block 2.\n"));
 }
 
 TEST_F(summaries, say_that_the_block_with_the_profiles_values_is_missing) {
