@@ -35,6 +35,9 @@ std::optional<trace_record> extracted_capture::next() {
             found_records_ = true;
             return handed_out(std::move(*record));
         }
+        if (failure_) {
+            throw *failure_;
+        }
         if (ended_) {
             explain_user_link_type();
             return std::nullopt;
@@ -56,10 +59,10 @@ extraction_state extracted_capture::read_packet() {
     extraction_state state{};
     try {
         state = process_->read(packet, patience);
-    } catch (const capture_error&) {
-        ended_ = true;
-        records_.let_go();
-        throw;
+    } catch (const capture_error& error) {
+        // What was read before comes first.
+        failure_ = error;
+        return extraction_state::ended;
     }
     ended_ = state == extraction_state::ended;
     // Behind another look, what was seen before comes again.
