@@ -72,8 +72,7 @@ std::optional<split_packet> packet_splitter::next() {
 }
 
 std::string_view packet_splitter::text_behind() const {
-    const bool is_behind = nesting_.depth() == 0 && began_ && allowed_ == behind_packets::text;
-    return is_behind ? std::string_view(buffer_).substr(position_) : std::string_view();
+    return std::string_view(buffer_).substr(position_);
 }
 
 split_packet packet_splitter::finish() {

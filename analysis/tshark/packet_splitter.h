@@ -41,7 +41,8 @@ class packet_splitter {
     /// @throws not_a_packet, also from every later call
     std::optional<split_packet> next();
 
-    /// The text behind the array, of what was taken last; nothing where none is allowed.
+    /// The text behind the array, of what was taken last, once `next` has given nothing; nothing
+    /// where none is allowed.
     std::string_view text_behind() const;
 
   private:

@@ -27,6 +27,9 @@ std::optional<trace_record> extracted_capture::next() {
             found_records_ = true;
             return handed_out(std::move(*record));
         }
+        if (failure_) {
+            throw *failure_;
+        }
         if (ended_) {
             explain_user_link_type();
             return std::nullopt;
@@ -52,10 +55,10 @@ extraction_state extracted_capture::read_packet() {
         if (state == extraction_state::packet) {
             packet = packet_in(text);
         }
-    } catch (const capture_error&) {
-        ended_ = true;
-        records_.let_go();
-        throw;
+    } catch (const capture_error& error) {
+        // What was read before comes first.
+        failure_ = error;
+        return extraction_state::ended;
     }
     ended_ = state == extraction_state::ended;
     if (state != extraction_state::packet) {

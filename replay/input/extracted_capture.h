@@ -43,6 +43,7 @@ class extracted_capture final : public capture {
     std::optional<int> user_link_type_;
     bool found_records_ = false;
     bool ended_ = false;
+    std::optional<capture_error> failure_;
 };
 
 }  // namespace KIVRA::TSHARK::REPLAY

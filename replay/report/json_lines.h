@@ -11,14 +11,15 @@ namespace KIVRA::TSHARK::REPLAY {
 
 /// Each record as one line:
 ///
-/// | member | what                                                                     |
-/// |--------|--------------------------------------------------------------------------|
-/// | number | the record's, from 1                                                     |
-/// | time   | of the record, as `iso_8601` has it                                      |
-/// | format | the dissector's name, text                                               |
-/// | result | the result document, null when there is none; missing on a failure       |
-/// | error  | why the record failed, text; only then                                   |
-/// | log    | the log messages meanwhile: array of {"level": integer, "message": text} |
+/// | member    | what                                                                     |
+/// |-----------|--------------------------------------------------------------------------|
+/// | number    | the record's, from 1                                                     |
+/// | time      | of the record, as `iso_8601` has it                                      |
+/// | format    | the dissector's name, text                                               |
+/// | result    | the result document, null when there is none; missing on a failure       |
+/// | error     | why the record failed, text; only then                                   |
+/// | malformed | true when tshark could not read the message to its end; only then        |
+/// | log       | the log messages meanwhile: array of {"level": integer, "message": text} |
 ///
 /// What is no UTF-8 in a text becomes U+FFFD.
 class json_lines final : public report {

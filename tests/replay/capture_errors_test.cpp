@@ -95,6 +95,18 @@ TEST_F(unreadable_captures, that_are_cut_short_give_their_records_up_to_there) {
     }
 }
 
+TEST_F(unreadable_captures, that_are_cut_short_give_what_still_waits_for_the_next_packet) {
+    // The last whole message has a NAS message in it.
+    const auto pieces =
+        pieces_of_pcap(read_file(sample_capture("nbiot_attach/gsmtap_ethernet.pcap")));
+    write_file("cut.pcap", pieces.at(0) + pieces.at(4) + pieces.at(5).substr(0, 50));
+    const auto result = run_replay({"cut.pcap", "--json"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.error, EndsWith("\n2 records, 0 failed\n"));
+    EXPECT_THAT(result.output, AllOf(HasSubstr(R"("format":"lte_rrc.ul_dcch.nb")"),
+                                     HasSubstr(R"("format":"nas-eps")")));
+}
+
 TEST_F(unreadable_captures, that_are_compressed_and_cut_short_give_records_as_well) {
     const std::string capture = sample_capture("broken/cut_compressed.pcap.gz");
     const auto result = run_replay({capture, "--json"});

@@ -7,6 +7,7 @@
 
 #include "replay/input/capture.h"
 #include "tests/replay/capture_image.h"
+#include "tests/replay/sample_captures.h"
 #include "tests/replay/sample_records.h"
 #include "tests/support/files.h"
 #include "tests/support/process.h"
@@ -254,6 +255,62 @@ TEST_F(kivra_replay, prints_json_lines) {
               R"("result":{"nas-eps":{"pdn":{"ICMPv6_prefix":)"
               R"("2001:0db8:0001:0000:0000:0000:0000:0000"}}},"log":[]})"
               "\n");
+}
+
+TEST_F(kivra_replay, marks_malformed_messages_in_json_lines) {
+    const auto line_of = [](const char* capture, const std::vector<std::string>& options) {
+        std::vector<std::string> arguments{sample_capture(capture), "--json"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return run(arguments).output;
+    };
+    for (const auto& options :
+         std::vector<std::vector<std::string>>{{}, {"--plugin", KIVRA_PLUGIN, "--session"}}) {
+        for (const auto* capture :
+             {"messages/nas_malformed.pcapng", "messages/rrc_malformed.pcapng"}) {
+            EXPECT_THAT(line_of(capture, options), HasSubstr(R"(,"malformed":true,"log":[)"));
+        }
+        for (const auto* capture :
+             {"messages/nas_ciphered.pcapng", "messages/nas_integrity_protected.pcapng"}) {
+            EXPECT_THAT(line_of(capture, options), Not(HasSubstr("malformed")));
+        }
+    }
+}
+
+TEST_F(kivra_replay, tells_what_could_not_be_read) {
+    const auto result = run({sample_capture("messages/nas_ciphered.pcapng"),
+                             sample_capture("messages/nas_malformed.pcapng"),
+                             sample_capture("messages/rrc_malformed.pcapng"),
+                             sample_capture("messages/rrc_ciphered_mac_lte.pcap"),
+                             "--user-dlt=149=mac-lte-framed"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(
+        result.output,
+        AllOf(HasSubstr("Z  Ciphered NAS message\n"), HasSubstr("Z  Attach accept [malformed]; "),
+              HasSubstr("Z  DL-CCCH, RRCConnectionSetup [malformed]\n"),
+              HasSubstr("\nnot readable, or not to the end\n"
+                        "    malformed messages              2 (first in record 2)\n"
+                        "    ciphered NAS messages           1 (first in record 1)\n"
+                        "    encrypted RRC signalling        1 packet\n")));
+}
+
+TEST_F(kivra_replay, marks_what_the_modem_asks_for) {
+    EXPECT_THAT(
+        run({capture_file("ltem_attach_psm.pcapng")}).output,
+        AllOf(HasSubstr("Z  Attach request, PDN connectivity request; requested T3324 1 "
+                        "minutes (00100001), requested T3412 extended "),
+              HasSubstr("\n    requested T3324                 1 minutes (00100001) (record 5)\n"),
+              HasSubstr(
+                  "\n    T3324                           10 seconds (00000101) (record 13), ")));
+}
+
+TEST_F(kivra_replay, shows_records_that_tell_nothing_new_in_one_line) {
+    const auto paging =
+        exported_pdu_image("lte_rrc.pcch", std::string("\x40\x0c\x8c\x2e\x65\xe9\xa0", 7));
+    write_capture("c.pcapng", {{paging, 1}, {paging, 2}, {paging, 3}, ip_packet});
+    EXPECT_THAT(run({"c.pcapng"}).output,
+                HasSubstr("        1  1970-01-01T00:00:00.000001Z  PCCH, Paging\n"
+                          "      2-3                               2 x PCCH, Paging\n"
+                          "        4  1970-01-01T00:00:00.000000Z  IPv6 packet; "));
 }
 
 TEST_F(kivra_replay, says_nothing_to_people_when_asked_to) {
