@@ -103,7 +103,7 @@ bool interrupted() {
 }
 
 void end_by_interrupt() {
-    std::fflush(nullptr);
+    static_cast<void>(std::fflush(nullptr));
     ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT));
 }
 
