@@ -1,6 +1,10 @@
 #include "replay/options.h"
 
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -12,9 +16,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::ThrowsMessage;
 
-std::variant<options, std::string> read(std::vector<const char*> arguments) {
-    arguments.insert(arguments.begin(), "kivra-replay");
-    return read_command_line(static_cast<int>(arguments.size()), arguments.data());
+std::variant<options, std::string> read(std::vector<std::string> arguments) {
+    return read_command_line(std::move(arguments));
 }
 
 TEST(command_line, needs_only_a_capture) {
