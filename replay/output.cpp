@@ -43,11 +43,14 @@ bool output::takes_colour() const {
 }
 
 void output::flush() {
-    errno = 0;
+    // A write that has failed before has left its reason.
+    if (stream()) {
+        errno = 0;
+    }
     if (stream().flush()) {
         return;
     }
-    if (errno == EPIPE) {
+    if (PLATFORM::tells_of_missing_reader(errno)) {
         throw reader_gone();
     }
     throw std::runtime_error("can't write the report" +

@@ -24,6 +24,10 @@ void prepare_standard_streams();
 /// Whether the stream is a terminal that does what control sequences say.
 bool is_terminal(standard_stream stream);
 
+/// Whether a failed write to the standard output, which has left this in errno, means that nobody
+/// reads it any more.
+bool tells_of_missing_reader(int error);
+
 /// Ends the process as a broken pipe would have; returns where that is unknown.
 void end_by_broken_pipe();
 

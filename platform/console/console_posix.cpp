@@ -56,6 +56,10 @@ void prepare_standard_streams() {
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
 }
 
+bool tells_of_missing_reader(int error) {
+    return error == EPIPE;
+}
+
 void end_by_broken_pipe() {
     end_by(SIGPIPE);
 }

@@ -85,6 +85,12 @@ bool is_terminal(standard_stream stream) {
            SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
+/// The runtime has no number of its own for ERROR_NO_DATA, which is what a pipe says.
+bool tells_of_missing_reader(int error) {
+    return error == EPIPE ||
+           (error == EINVAL && GetFileType(handle_of(standard_stream::output)) == FILE_TYPE_PIPE);
+}
+
 /// The failed write has been noticed, and nothing else is known of it here.
 void end_by_broken_pipe() {}
 
@@ -97,7 +103,7 @@ bool interrupted() {
 }
 
 void end_by_interrupt() {
-    std::fflush(nullptr);
+    static_cast<void>(std::fflush(nullptr));
     ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT));
 }
 

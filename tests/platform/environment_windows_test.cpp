@@ -31,6 +31,10 @@ TEST_F(path_variables_on_windows, may_be_empty_in_the_system) {
     EXPECT_EQ(path_variable(), "");
 }
 
+TEST(path_separators_on_windows, are_semicolons) {
+    EXPECT_EQ(path_separator(), ';');
+}
+
 TEST(executable_names_on_windows, are_tshark_exe_alone) {
     EXPECT_THAT(tshark_executable_names(), testing::ElementsAre("tshark.exe"));
 }

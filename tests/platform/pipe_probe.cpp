@@ -45,6 +45,9 @@ int main(int count, char** arguments) {
     } else if (task == "stay") {
         std::cout << "here;" << std::flush;
         stay();
+    } else if (task == "fail") {
+        std::cerr << "a complaint";
+        return 7;
     }
     // All else: ends at once.
 }

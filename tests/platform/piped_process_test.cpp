@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -174,6 +175,24 @@ TEST(piped_processes, may_leave_their_input_unread) {
     EXPECT_EQ(read(process, 5), "here;");
     fill(process);
     process.close_input();
+}
+
+TEST(piped_processes, tell_how_they_ended) {
+    for (const auto& [task, status] : {std::pair("fail", 7), std::pair("list", 0)}) {
+        piped_process process(KIVRA_PIPE_PROBE, {task});
+        read_to_the_end(process);
+        EXPECT_EQ(process.exit_status(), status);
+    }
+}
+
+TEST(piped_processes, have_their_errors_kept_when_asked_to) {
+    piped_process kept(KIVRA_PIPE_PROBE, {"fail"}, error_text::kept);
+    read_to_the_end(kept);
+    kept.exit_status();
+    EXPECT_EQ(kept.printed_errors(), "a complaint");
+    piped_process dropped(KIVRA_PIPE_PROBE, {"fail"});
+    read_to_the_end(dropped);
+    EXPECT_EQ(dropped.printed_errors(), "");
 }
 
 TEST(piped_processes, may_print_what_nobody_reads) {

@@ -1,6 +1,10 @@
 #include "replay/options.h"
 
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
 
 #include <gmock/gmock.h>
 

@@ -36,6 +36,7 @@ port:*)
     ;;
 *)
     trap 'rm "$meeting"' EXIT
-    "$@"
+    # Wine would let it have its own standard error.
+    "$@" 2>/dev/null
     ;;
 esac

@@ -64,7 +64,8 @@ extracting_tshark::extracting_tshark(const capture_source& source, extraction_de
       process_(start(name_, source.tshark,
                      extraction_arguments(argument_of(source.file), depth, source.options))) {}
 
-extraction_state extracting_tshark::read(std::string& packet, milliseconds patience) {
+extraction_state extracting_tshark::read(std::string& packet,
+                                         std::optional<milliseconds> patience) {
     auto last_move = steady_clock::now();
     try {
         while (true) {
@@ -84,7 +85,7 @@ extraction_state extracting_tshark::read(std::string& packet, milliseconds patie
             if (PLATFORM::interrupted()) {
                 throw capture_error(name_, "interrupted");
             }
-            if (awaits_input() && steady_clock::now() - last_move >= patience) {
+            if (patience && awaits_input() && steady_clock::now() - last_move >= *patience) {
                 return extraction_state::idle;
             }
             wait();

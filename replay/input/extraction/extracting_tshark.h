@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include "analysis/tshark/packet_splitter.h"
@@ -24,11 +25,11 @@ class extracting_tshark {
     extracting_tshark(const capture_source& source, extraction_depth depth);
 
     /// Reads on to the next packet, the end of the capture, or until nothing has come for the given
-    /// time and the stream gives nothing either.
+    /// time, if any, and the stream gives nothing either.
     /// @param packet the text that tshark prints for a capture with this packet alone
     /// @throws capture_error when tshark fails, with what it says, and when the run is interrupted
     extraction_state read(std::string& packet,
-                          std::chrono::milliseconds patience = std::chrono::milliseconds::max());
+                          std::optional<std::chrono::milliseconds> patience = std::nullopt);
 
     /// What tshark has counted; whole at the end.
     capture_content content() const;
