@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string joined;
     for (const auto& folder : folders) {
         require(!folder.empty());
-        joined += (joined.empty() ? "" : ";") + folder.string();
+        joined += (joined.empty() ? "" : ";") + folder;
     }
     require(joined == tidied(value));
     return 0;
