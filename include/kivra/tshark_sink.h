@@ -11,8 +11,9 @@
 ///    (UTF-8 on POSIX). Texts to the host are UTF-8 and valid only during the callback unless
 ///    stated otherwise; the host copies what it keeps.
 /// 4. A callback receives, unchanged, the user data that the host passed along with it. A null
-///    callback is never called. Callbacks return nothing; they may throw (C++), and what they
-///    throw never leaves the plug-in. Errors of other languages must end within the callback.
+///    callback is never called. Callbacks return nothing; they may throw (C++; on Windows also from
+///    Microsoft's compiler), and what they throw never leaves the plug-in. Errors of other
+///    languages must end within the callback.
 /// 5. Functions return a `kivra_result`. No exception leaves them.
 /// 6. A context is used from one thread at a time; two contexts are independent. Everything happens
 ///    on the calling thread, which waits while tshark runs.
