@@ -8,8 +8,10 @@
 ///    assertions at the end hold sizes and offsets. Bytes named `reserved` belong to the host; the
 ///    plug-in does not interpret them.
 /// 3. Texts are NUL-terminated. Texts from the host are in the process's file-system code page
-///    (UTF-8 on POSIX). Texts to the host are UTF-8 and valid only during the callback unless
-///    stated otherwise; the host copies what it keeps.
+///    (UTF-8 on POSIX). Texts to the host are UTF-8, but for messages of errors: these quote bytes
+///    of tshark's output, and messages of the system, as they are, so they may be no valid UTF-8.
+///    All are valid only during the callback unless stated otherwise; the host copies what it
+///    keeps.
 /// 4. A callback receives, unchanged, the user data that the host passed along with it. A null
 ///    callback is never called. Callbacks return nothing; they may throw (C++; on Windows also from
 ///    Microsoft's compiler), and what they throw never leaves the plug-in. Errors of other
@@ -94,7 +96,7 @@ typedef struct kivra_annotated_chunk {
 
 /// An error.
 typedef struct kivra_error {
-    /// What went wrong.
+    /// What went wrong, for people to read. May hold bytes that are no UTF-8.
     const char* message;
     /// 1 from `kivra_sink_init`; from `kivra_sink_get_last_error` 0 before any failure, else 100.
     uint32_t code;
