@@ -31,9 +31,9 @@ using namespace KIVRA::TSHARK;
 kivra_version_info version_info() {
     kivra_version_info version{};
     version.description = "tshark sink plugin ()";
-    version.major = KIVRA_TSHARK_SINK_VERSION_MAJOR;
-    version.minor = KIVRA_TSHARK_SINK_VERSION_MINOR;
-    version.patch = KIVRA_TSHARK_SINK_VERSION_PATCH;
+    version.major = KIVRA_TSHARK_SINK_INTERFACE_MAJOR;
+    version.minor = KIVRA_TSHARK_SINK_INTERFACE_MINOR;
+    version.patch = KIVRA_TSHARK_SINK_INTERFACE_PATCH;
     version.flag = 1;
     return version;
 }

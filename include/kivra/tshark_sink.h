@@ -35,10 +35,16 @@
 #define KIVRA_TSHARK_SINK_EXPORT __attribute__((visibility("default")))
 #endif
 
-/// The version of this header; `kivra_sink_version` tells that of the plug-in loaded.
+/// The version of the release that this header belongs to. It moves with every release.
 #define KIVRA_TSHARK_SINK_VERSION_MAJOR 0
 #define KIVRA_TSHARK_SINK_VERSION_MINOR 13
 #define KIVRA_TSHARK_SINK_VERSION_PATCH 1
+
+/// The version of the interface, which `kivra_sink_version` tells. It stays through releases whose
+/// plug-in serves a host of the release before as it did, and moves only with one that does not.
+#define KIVRA_TSHARK_SINK_INTERFACE_MAJOR 0
+#define KIVRA_TSHARK_SINK_INTERFACE_MINOR 13
+#define KIVRA_TSHARK_SINK_INTERFACE_PATCH 1
 
 #ifdef __cplusplus
 extern "C" {
@@ -104,7 +110,7 @@ typedef struct kivra_error {
     uint8_t reserved[4];
 } kivra_error;
 
-/// A version. Every byte without a meaning here is zero.
+/// The version of the interface. Every byte without a meaning here is zero.
 typedef struct kivra_version_info {
     /// What the plug-in is; valid until the plug-in is unloaded.
     const char* description;
@@ -138,7 +144,7 @@ typedef void (*kivra_error_callback)(void* user_data, const kivra_error* error);
 /// @param schema valid until the plug-in is unloaded
 typedef void (*kivra_schema_callback)(void* user_data, const char* schema);
 
-/// Receives the plug-in's version.
+/// Receives the version of the interface.
 /// @param version valid during the call
 typedef void (*kivra_version_callback)(void* user_data, const kivra_version_info* version);
 
@@ -177,7 +183,7 @@ typedef struct kivra_init_parameters {
 
 // Functions that need no context
 
-/// Passes the plug-in's version to the callback, once.
+/// Passes the version of the interface to the callback, once: 0.13.1, whatever the release.
 /// @return 0; 100 when the callback throws
 KIVRA_TSHARK_SINK_EXPORT int32_t kivra_sink_version(void* user_data,
                                                     kivra_version_callback callback);
