@@ -39,6 +39,23 @@ constexpr auto one_packet =
     R"([{"_source": {"layers": {"lte_rrc": {"lte-rrc.onDurationTimer": "1",
                                             "lte-rrc.drx_InactivityTimer": "99"}}}}])";
 
+/// Ends the process with a status of its own when nobody handles an exception, in place of a
+/// debugger.
+class status_for_unhandled_exceptions {
+  public:
+    static constexpr int of_access_violations = 33;
+
+    ~status_for_unhandled_exceptions() { SetUnhandledExceptionFilter(former_); }
+
+  private:
+    static LONG end(EXCEPTION_POINTERS* exception) {
+        const DWORD code = exception->ExceptionRecord->ExceptionCode;
+        ExitProcess(code == EXCEPTION_ACCESS_VIOLATION ? of_access_violations : 1);
+    }
+
+    LPTOP_LEVEL_EXCEPTION_FILTER former_ = SetUnhandledExceptionFilter(end);
+};
+
 class foreign_exceptions : public TESTING::scratch_test {
   protected:
     void SetUp() override { TESTING::fake_tshark_prints(one_packet); }
@@ -57,6 +74,9 @@ class foreign_exceptions : public TESTING::scratch_test {
     }
 
     host host_;
+
+  private:
+    status_for_unhandled_exceptions status_;
 };
 
 TEST_F(foreign_exceptions, of_the_schema_give_100) {
@@ -129,17 +149,13 @@ TEST_F(foreign_exceptions, leave_those_of_this_compiler_their_texts) {
 }
 
 TEST(access_violations, of_callbacks_are_left_to_the_system) {
-    constexpr int left = 3;
     host host;
     const auto run = [&host] {
-        // In place of a debugger.
-        SetUnhandledExceptionFilter([](EXCEPTION_POINTERS* exception) -> LONG {
-            const DWORD code = exception->ExceptionRecord->ExceptionCode;
-            ExitProcess(code == EXCEPTION_ACCESS_VIOLATION ? left : 1);
-        });
+        const status_for_unhandled_exceptions status;
         host.exports.version(nullptr, [](void*, const kivra_version_info*) { access_nothing(); });
     };
-    EXPECT_EXIT(run(), testing::ExitedWithCode(left), "");
+    EXPECT_EXIT(run(),
+                testing::ExitedWithCode(status_for_unhandled_exceptions::of_access_violations), "");
 }
 
 }  // namespace
