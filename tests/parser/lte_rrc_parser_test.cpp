@@ -62,6 +62,11 @@ TEST_F(lte_rrc, takes_the_long_cycle_from_the_table_of_all_drx_timers) {
               json::parse(R"({"lte-rrc": {"cdrx_int": "30"}})"));
 }
 
+TEST_F(lte_rrc, takes_the_on_duration_from_the_table_of_all_drx_timers) {
+    EXPECT_EQ(parse(R"({"lte-rrc.onDurationTimer": "21"})"),
+              json::parse(R"({"lte-rrc": {"cdrx_on_duration": "2560"}})"));
+}
+
 TEST_F(lte_rrc, does_not_find_a_drx_field_by_the_beginning_of_its_name) {
     EXPECT_EQ(parse(R"({"lte-rrc.longDRX_CycleStartOffset_tree": {"lte-rrc.sf320": "3"},
                         "lte-rrc.onDurationTimer_r13": "7",
