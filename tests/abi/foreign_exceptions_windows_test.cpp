@@ -45,7 +45,10 @@ class status_for_unhandled_exceptions {
   public:
     static constexpr int of_access_violations = 33;
 
+    status_for_unhandled_exceptions() = default;
     ~status_for_unhandled_exceptions() { SetUnhandledExceptionFilter(former_); }
+    status_for_unhandled_exceptions(const status_for_unhandled_exceptions&) = delete;
+    status_for_unhandled_exceptions& operator=(const status_for_unhandled_exceptions&) = delete;
 
   private:
     static LONG end(EXCEPTION_POINTERS* exception) {
