@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "platform/host_call.h"
+
 namespace KIVRA::TSHARK::ANALYSIS {
 
 void deliver_result(const kivra_trace_chunk& chunk, const nlohmann::json& document,
@@ -11,7 +13,7 @@ void deliver_result(const kivra_trace_chunk& chunk, const nlohmann::json& docume
     }
     const std::string text = document.dump(4);
     const kivra_annotated_chunk annotated{chunk, text.c_str()};
-    callback(user_data, &annotated);
+    PLATFORM::call_host(callback, user_data, &annotated);
 }
 
 }  // namespace KIVRA::TSHARK::ANALYSIS

@@ -19,7 +19,7 @@ bool entry_exists(const fs::path& path) {
 
 void remove_entry(const fs::path& path) {
     std::error_code error;
-    fs::remove(path, error);
+    PLATFORM::remove_entry(path, error);
     if (error) {
         throw fs::filesystem_error("remove", path, error);
     }

@@ -10,7 +10,8 @@ namespace KIVRA::TSHARK {
 /// @throws std::filesystem::filesystem_error "exists" when that can't be told
 bool entry_exists(const std::filesystem::path& path);
 
-/// Removes the single entry at the path; no error when there is none.
+/// Removes the single entry at the path, on Windows even a read-only one; no error when there is
+/// none.
 /// @throws std::filesystem::filesystem_error "remove"
 void remove_entry(const std::filesystem::path& path);
 

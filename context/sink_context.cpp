@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "context/file_status.h"
+#include "platform/host_call.h"
 
 namespace KIVRA::TSHARK {
 
@@ -28,7 +29,7 @@ sink_context::~sink_context() {
 
 void sink_context::log(kivra_log_level level, const std::string& message) const {
     if (log_callback != nullptr) {
-        log_callback(this, log_user_data, level, message.c_str());
+        PLATFORM::call_host(log_callback, this, log_user_data, level, message.c_str());
     }
 }
 

@@ -1,41 +1,33 @@
-/// The value of PATH, split into folders and put together again.
+/// The value of PATH, split into folders and held against them.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "fuzz/require.h"
 #include "sink/tshark_discovery.h"
 
-namespace {
-
 using KIVRA::TSHARK::FUZZ::require;
-
-/// A value without the separators that stand for empty folders.
-std::string tidied(const std::string& value) {
-    std::string kept;
-    for (const char c : value) {
-        if (c != ';' || (!kept.empty() && kept.back() != ';')) {
-            kept += c;
-        }
-    }
-    if (kept.ends_with(';')) {
-        kept.pop_back();
-    }
-    return kept;
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string value(reinterpret_cast<const char*>(data), size);
     auto folders = KIVRA::TSHARK::SINK::candidate_directories(value);
     require(!folders.empty() && folders.back() == R"(C:\Program Files)");
     folders.pop_back();
-    std::string joined;
+    // The value is the folders with any number of separators around each.
+    std::string_view rest = value;
+    const auto skip_separators = [&rest] {
+        rest.remove_prefix(std::min(rest.find_first_not_of(';'), rest.size()));
+    };
     for (const auto& folder : folders) {
-        require(!folder.empty());
-        joined += (joined.empty() ? "" : ";") + folder.string();
+        require(!folder.empty() && folder.find(';') == std::string::npos);
+        skip_separators();
+        require(rest.starts_with(folder));
+        rest.remove_prefix(folder.size());
+        require(rest.empty() || rest.front() == ';');
     }
-    require(joined == tidied(value));
+    skip_separators();
+    require(rest.empty());
     return 0;
 }

@@ -1,12 +1,11 @@
 /// tshark's text through its processing, the parsers, the mapping and the parameter file.
 #include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <exception>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include <nlohmann/json.hpp>
@@ -24,10 +23,9 @@ using FUZZ::require;
 using nlohmann::json;
 
 /// A parameter file that lives in memory.
-const std::filesystem::path& parameter_file() {
-    static const std::filesystem::path path =
-        "/proc/self/fd/" + std::to_string(memfd_create("profile", MFD_CLOEXEC));
-    return path;
+int parameter_file() {
+    static const int descriptor = memfd_create("profile", MFD_CLOEXEC);
+    return descriptor;
 }
 
 void check_log(const void* caller, void* /*user_data*/, std::uint32_t level, const char* message) {
@@ -37,16 +35,20 @@ void check_log(const void* caller, void* /*user_data*/, std::uint32_t level, con
 /// Made once, since it reads the operator list.
 sink_context& context() {
     static sink_context instance(nullptr, check_log, "tshark", "output-that-never-exists",
-                                 parameter_file());
+                                 "/proc/self/fd/" + std::to_string(parameter_file()));
     return instance;
 }
 
+/// Checks what was written, if anything, and takes it away.
 void check_parameter_file() {
-    std::ifstream stream(parameter_file(), std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
-    if (text.empty()) {
+    struct stat status {};
+    require(fstat(parameter_file(), &status) == 0);
+    if (status.st_size == 0) {
         return;
     }
+    std::string text(static_cast<std::size_t>(status.st_size), '\0');
+    require(pread(parameter_file(), text.data(), text.size(), 0) == status.st_size);
+    require(ftruncate(parameter_file(), 0) == 0);
     const json profile = json::parse(text);
     require(profile.size() == PROFILE::profile_defaults.size());
     for (const auto& [name, value] : PROFILE::profile_defaults) {
@@ -61,12 +63,11 @@ void check_text(void* /*user_data*/, const kivra_annotated_chunk* annotated) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::filesystem::resize_file(parameter_file(), 0);
     context().texts = {};
     context().carried_state = nullptr;
-    const std::string text(reinterpret_cast<const char*>(data), size);
     try {
-        const json result = ANALYSIS::process_output(context(), text);
+        const json result = ANALYSIS::process_output(
+            context(), std::string(reinterpret_cast<const char*>(data), size));
         if (!result.empty()) {
             ANALYSIS::deliver_result({}, result, check_text, nullptr);
         }

@@ -9,6 +9,8 @@
 #include <kivra/tshark_sink.h>
 #include <nlohmann/json.hpp>
 
+#include "platform/host_call.h"
+
 namespace KIVRA::TSHARK::PARSER {
 
 class parser_base {
@@ -35,7 +37,8 @@ class parser_base {
     /// Sends an informational message to the host.
     void log(const std::string& message) const {
         if (log_callback_ != nullptr) {
-            log_callback_(this, log_user_data_, KIVRA_LOG_INFORMATION, message.c_str());
+            PLATFORM::call_host(log_callback_, this, log_user_data_, KIVRA_LOG_INFORMATION,
+                                message.c_str());
         }
     }
 

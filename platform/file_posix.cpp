@@ -46,4 +46,8 @@ void write_file(const std::filesystem::path& file, std::string_view content) {
     close(descriptor);
 }
 
+void remove_entry(const std::filesystem::path& path, std::error_code& error) {
+    std::filesystem::remove(path, error);
+}
+
 }  // namespace KIVRA::TSHARK::PLATFORM

@@ -1,6 +1,6 @@
-/// All that differs between Windows and POSIX: running a program, writing a file, what stands at a
-/// path, host texts as paths, the PATH variable, the names of tshark's executable. No state, no
-/// ownership; every function may be called from any thread.
+/// All that differs between Windows and POSIX: running a program, writing and removing a file, what
+/// stands at a path, host texts as paths, the PATH variable, the names of tshark's executable. No
+/// state, no ownership; every function may be called from any thread.
 #pragma once
 
 #include <cstdint>
@@ -35,6 +35,11 @@ std::optional<std::uint32_t> run_program(const std::filesystem::path& program,
 /// Creates or overwrites a file. What can't be written is missing from it, without a word; on POSIX
 /// a limit on the size of files (RLIMIT_FSIZE) does not end the process either.
 void write_file(const std::filesystem::path& file, std::string_view content);
+
+/// Removes the single entry at the path, a folder only when it is empty; no error when there is
+/// none. Windows: one that is marked read-only, too.
+/// @param error why it, or the query for it, failed
+void remove_entry(const std::filesystem::path& path, std::error_code& error);
 
 /// A text from the host as a path. Windows: from the file-system code page (UTF-8 when the locale
 /// uses code page 65001, else the ANSI code page, or the OEM one when the process chose it);

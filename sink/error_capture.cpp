@@ -2,6 +2,8 @@
 
 #include <exception>
 
+#include "platform/host_call.h"
+
 namespace KIVRA::TSHARK::SINK {
 
 std::int32_t capture_data_errors(sink_context& context, const std::function<void()>& body) {
@@ -38,7 +40,7 @@ void report_error(kivra_error_callback callback, void* user_data, const char* me
     }
     try {
         const kivra_error error{message, code, {}};
-        callback(user_data, &error);
+        PLATFORM::call_host(callback, user_data, &error);
     } catch (...) {
         // It is the host's own failure, and there is nobody left to tell.
     }

@@ -11,6 +11,7 @@
 #include "analysis/tshark/single_tshark.h"
 #include "context/sink_context.h"
 #include "context/unique_path.h"
+#include "platform/host_call.h"
 #include "platform/platform.h"
 #include "sink/error_capture.h"
 #include "sink/init_parameters.h"
@@ -30,9 +31,9 @@ using namespace KIVRA::TSHARK;
 kivra_version_info version_info() {
     kivra_version_info version{};
     version.description = "tshark sink plugin ()";
-    version.major = KIVRA_TSHARK_SINK_VERSION_MAJOR;
-    version.minor = KIVRA_TSHARK_SINK_VERSION_MINOR;
-    version.patch = KIVRA_TSHARK_SINK_VERSION_PATCH;
+    version.major = KIVRA_TSHARK_SINK_INTERFACE_MAJOR;
+    version.minor = KIVRA_TSHARK_SINK_INTERFACE_MINOR;
+    version.patch = KIVRA_TSHARK_SINK_INTERFACE_PATCH;
     version.flag = 1;
     return version;
 }
@@ -63,7 +64,7 @@ std::unique_ptr<kivra_sink_context> make_context(const kivra_init_parameters& pa
 std::int32_t kivra_sink_init_parameters(void* user_data, kivra_schema_callback callback) {
     try {
         if (callback != nullptr) {
-            callback(user_data, SINK::init_parameter_schema);
+            PLATFORM::call_host(callback, user_data, SINK::init_parameter_schema);
         }
         return KIVRA_RESULT_SUCCESS;
     } catch (...) {
@@ -75,7 +76,7 @@ std::int32_t kivra_sink_version(void* user_data, kivra_version_callback callback
     try {
         const kivra_version_info version = version_info();
         if (callback != nullptr) {
-            callback(user_data, &version);
+            PLATFORM::call_host(callback, user_data, &version);
         }
         return KIVRA_RESULT_SUCCESS;
     } catch (...) {

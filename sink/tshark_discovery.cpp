@@ -55,13 +55,12 @@ fs::path find_installation(const fs::path& directory) {
 
 }  // namespace
 
-std::vector<fs::path> candidate_directories(const std::string& path_variable) {
-    std::vector<fs::path> candidates;
+std::vector<std::string> candidate_directories(const std::string& path_variable) {
+    std::vector<std::string> candidates;
     for (std::size_t begin = 0; begin < path_variable.size();) {
         const std::size_t end = std::min(path_variable.find(';', begin), path_variable.size());
         if (end != begin) {
-            const auto segment = std::string_view(path_variable).substr(begin, end - begin);
-            candidates.push_back(PLATFORM::path_from_narrow(segment));
+            candidates.push_back(path_variable.substr(begin, end - begin));
         }
         begin = end + 1;
     }
@@ -73,7 +72,8 @@ fs::path discover_tshark_directory(const std::optional<std::string>& path_variab
     if (!path_variable) {
         return {};
     }
-    for (const auto& candidate : candidate_directories(*path_variable)) {
+    for (const auto& folder : candidate_directories(*path_variable)) {
+        const fs::path candidate = PLATFORM::path_from_narrow(folder);
         if (!is_searchable(candidate)) {
             continue;
         }

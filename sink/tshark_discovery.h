@@ -12,15 +12,16 @@
 
 namespace KIVRA::TSHARK::SINK {
 
-/// The folders to search, in order: those of PATH (separated by ";", empty ones vanish, nothing is
-/// trimmed), then C:\Program Files.
-std::vector<std::filesystem::path> candidate_directories(const std::string& path_variable);
+/// The folders to search, in order, as texts of the file-system code page: those of PATH (separated
+/// by ";", empty ones vanish, nothing is trimmed), then C:\Program Files.
+std::vector<std::string> candidate_directories(const std::string& path_variable);
 
 /// The first entry named wireshark-something in the folders of PATH and in C:\Program Files; empty
-/// when PATH has no value.
+/// when PATH has no value. No folder behind the one that holds it is looked at.
 /// @throws std::runtime_error when no folder holds such an entry
 /// @throws std::filesystem::filesystem_error "status" for a candidate that can't be queried,
 ///     "directory_iterator::directory_iterator" for one that can't be listed
+/// @throws std::system_error for a candidate that is not valid in the file-system code page
 std::filesystem::path discover_tshark_directory(const std::optional<std::string>& path_variable);
 
 /// The executable in tshark's directory.

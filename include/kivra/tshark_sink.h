@@ -8,11 +8,14 @@
 ///    assertions at the end hold sizes and offsets. Bytes named `reserved` belong to the host; the
 ///    plug-in does not interpret them.
 /// 3. Texts are NUL-terminated. Texts from the host are in the process's file-system code page
-///    (UTF-8 on POSIX). Texts to the host are UTF-8 and valid only during the callback unless
-///    stated otherwise; the host copies what it keeps.
+///    (UTF-8 on POSIX). Texts to the host are UTF-8, but for messages of errors: these quote bytes
+///    of tshark's output, and messages of the system, as they are, so they may be no valid UTF-8.
+///    All are valid only during the callback unless stated otherwise; the host copies what it
+///    keeps.
 /// 4. A callback receives, unchanged, the user data that the host passed along with it. A null
-///    callback is never called. Callbacks return nothing; they may throw (C++), and what they
-///    throw never leaves the plug-in. Errors of other languages must end within the callback.
+///    callback is never called. Callbacks return nothing; they may throw (C++; on Windows also from
+///    Microsoft's compiler), and what they throw never leaves the plug-in. Errors of other
+///    languages must end within the callback.
 /// 5. Functions return a `kivra_result`. No exception leaves them.
 /// 6. A context is used from one thread at a time; two contexts are independent. Everything happens
 ///    on the calling thread, which waits while tshark runs.
@@ -32,10 +35,16 @@
 #define KIVRA_TSHARK_SINK_EXPORT __attribute__((visibility("default")))
 #endif
 
-/// The version of this header; `kivra_sink_version` tells that of the plug-in loaded.
+/// The version of the release that this header belongs to. It moves with every release.
 #define KIVRA_TSHARK_SINK_VERSION_MAJOR 0
 #define KIVRA_TSHARK_SINK_VERSION_MINOR 13
 #define KIVRA_TSHARK_SINK_VERSION_PATCH 1
+
+/// The version of the interface, which `kivra_sink_version` tells. It stays through releases whose
+/// plug-in serves a host of the release before as it did, and moves only with one that does not.
+#define KIVRA_TSHARK_SINK_INTERFACE_MAJOR 0
+#define KIVRA_TSHARK_SINK_INTERFACE_MINOR 13
+#define KIVRA_TSHARK_SINK_INTERFACE_PATCH 1
 
 #ifdef __cplusplus
 extern "C" {
@@ -93,7 +102,7 @@ typedef struct kivra_annotated_chunk {
 
 /// An error.
 typedef struct kivra_error {
-    /// What went wrong.
+    /// What went wrong, for people to read. May hold bytes that are no UTF-8.
     const char* message;
     /// 1 from `kivra_sink_init`; from `kivra_sink_get_last_error` 0 before any failure, else 100.
     uint32_t code;
@@ -101,7 +110,7 @@ typedef struct kivra_error {
     uint8_t reserved[4];
 } kivra_error;
 
-/// A version. Every byte without a meaning here is zero.
+/// The version of the interface. Every byte without a meaning here is zero.
 typedef struct kivra_version_info {
     /// What the plug-in is; valid until the plug-in is unloaded.
     const char* description;
@@ -135,7 +144,7 @@ typedef void (*kivra_error_callback)(void* user_data, const kivra_error* error);
 /// @param schema valid until the plug-in is unloaded
 typedef void (*kivra_schema_callback)(void* user_data, const char* schema);
 
-/// Receives the plug-in's version.
+/// Receives the version of the interface.
 /// @param version valid during the call
 typedef void (*kivra_version_callback)(void* user_data, const kivra_version_info* version);
 
@@ -174,7 +183,7 @@ typedef struct kivra_init_parameters {
 
 // Functions that need no context
 
-/// Passes the plug-in's version to the callback, once.
+/// Passes the version of the interface to the callback, once: 0.13.1, whatever the release.
 /// @return 0; 100 when the callback throws
 KIVRA_TSHARK_SINK_EXPORT int32_t kivra_sink_version(void* user_data,
                                                     kivra_version_callback callback);

@@ -19,6 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
+using testing::AllOf;
 using testing::ElementsAre;
 using TESTING::error_entry;
 using testing::HasSubstr;
@@ -250,6 +251,46 @@ TEST_F(data, carries_values_from_one_record_to_the_file_that_a_later_one_writes_
     EXPECT_EQ(TESTING::read_json("profile.json")["cdrx_on_duration"], "0");
 }
 
+TEST_F(data, carries_the_pdn_of_a_nas_record_to_an_ip_record) {
+    TESTING::fake_tshark_prints(
+        R"([{"_source": {"layers": {"nas-eps": {"PDN address": {"ipv4": "10.0.0.1"}}}}}])");
+    EXPECT_EQ(host_.data("nas-eps", ""), 0);
+    std::string packet(88, '\0');
+    packet[6] = 58;
+    packet[40] = static_cast<char>(134);
+    EXPECT_EQ(host_.data("ip", packet), 0);
+    ASSERT_EQ(host_.texts.size(), 2U);
+    EXPECT_EQ(json::parse(host_.texts.back()), json::parse(R"({"nas-eps": {"pdn": {
+                  "ICMPv6_prefix": "0000:0000:0000:0000:0000:0000:0000:0000",
+                  "ipv4": "10.0.0.1"}}})"));
+    TESTING::fake_tshark_prints(
+        R"([{"_source": {"layers": {"nas-eps": {"PDN address": {"ipv4": "10.0.0.2"}}}}}])");
+    EXPECT_EQ(host_.data("nas-eps", ""), 0);
+    EXPECT_EQ(host_.data("ip", packet), 0);
+    EXPECT_EQ(json::parse(host_.texts.back()), json::parse(R"({"nas-eps": {"pdn": {
+                  "ICMPv6_prefix": "0000:0000:0000:0000:0000:0000:0000:0000",
+                  "ipv4": "10.0.0.2"}}})"));
+}
+
+TEST_F(data, has_a_release_that_leaves_nothing_at_the_place_of_tsharks_output) {
+    TESTING::fake_tshark_runs("ls tshark[0-9]*.json > fake_tshark.output_name; echo '[]'");
+    EXPECT_EQ(host_.data("nas-eps", ""), 0);
+    std::istringstream line(TESTING::read_file("fake_tshark.output_name"));
+    std::string name;
+    line >> name;
+    ASSERT_THAT(name, testing::EndsWith(".json"));
+    fs::create_directory(name);
+    EXPECT_EQ(host_.release(), 0);
+    EXPECT_THAT(files(), IsEmpty());
+    ASSERT_EQ(host_.init_with_fake_tshark(), 0);
+    EXPECT_EQ(host_.data("nas-eps", ""), 0);
+    line = std::istringstream(TESTING::read_file("fake_tshark.output_name"));
+    line >> name;
+    TESTING::write_file(name, "[]");
+    EXPECT_EQ(host_.release(), 0);
+    EXPECT_THAT(files(), IsEmpty());
+}
+
 TEST_F(data, does_not_carry_the_result_document_from_one_record_to_the_next) {
     TESTING::fake_tshark_prints(one_packet);
     host_.data("lte_rrc", "");
@@ -338,7 +379,7 @@ TEST_F(failing_data, keeps_its_reason_through_later_successes) {
 
 TEST_F(failing_data, with_an_output_that_is_no_utf8) {
     TESTING::fake_tshark_prints("[{\"_source\": {\"layers\": {\"lte_rrc\": {\"a\": \"\xFF\"}}}}]");
-    expect_failure(HasSubstr("parse_error.101"));
+    expect_failure(AllOf(HasSubstr("parse_error.101"), HasSubstr("last read: '\"\xFF'")));
 }
 
 // The process that ends may be a new one, which runs the test from its beginning: it is sent to the

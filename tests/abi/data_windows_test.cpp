@@ -1,3 +1,5 @@
+#include <windows.h>
+
 #include <filesystem>
 #include <string>
 
@@ -47,6 +49,22 @@ TEST_F(data_on_windows, logs_an_interpreter_that_cannot_be_started_and_succeeds)
     EXPECT_EQ(host_.logs.front().message, "invoking tshark failed with error: 87");
     EXPECT_THAT(host_.texts, IsEmpty());
     EXPECT_THAT(TESTING::names_in("."), IsEmpty());
+}
+
+TEST_F(data_on_windows, deletes_an_output_that_is_read_only) {
+    TESTING::fake_tshark_prints("[]");
+    ASSERT_EQ(host_.init_with_fake_tshark(), 0);
+    host_.on_log = [] {
+        for (const auto& name : TESTING::names_in(".")) {
+            if (name.starts_with("tshark")) {
+                EXPECT_TRUE(SetFileAttributesA(name.c_str(), FILE_ATTRIBUTE_READONLY));
+            }
+        }
+    };
+    EXPECT_EQ(host_.data("nas-eps", ""), 0);
+    EXPECT_EQ(host_.logs.size(), 1U);
+    EXPECT_THAT(TESTING::names_in("."),
+                testing::ElementsAre("fake_tshark.output", "fake_tshark.sh"));
 }
 
 TEST_F(data_on_windows, works_in_folders_with_what_cmd_takes_for_operators) {

@@ -70,6 +70,15 @@ TEST_F(init_on_posix, fails_where_a_name_for_the_output_cannot_be_queried) {
     EXPECT_THAT(host_.init_errors, ElementsAre(Pair(HasSubstr("exists"), 1U)));
 }
 
+TEST_F(init_on_posix, misses_the_executable_before_it_looks_for_a_name_for_the_output) {
+    fs::create_directory("empty");
+    TESTING::enter_deep_directory();
+    EXPECT_EQ(host_.init({{"tshark_directory", (scratch() / "empty").string()}}), 1);
+    EXPECT_THAT(
+        host_.init_errors,
+        ElementsAre(Pair("tshark not found from path or default installation location", 1U)));
+}
+
 class unloading_on_posix : public TESTING::scratch_test {};
 
 TEST_F(unloading_on_posix, frees_the_operator_list) {

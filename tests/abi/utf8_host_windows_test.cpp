@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/platform.h"
+#include "sink/tshark_discovery.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
 
@@ -42,6 +43,13 @@ TEST_F(utf8_host, cannot_give_a_path_that_is_no_utf8) {
     }
     EXPECT_EQ(host_.init({{"file_path", "a\xFFz"}}), 1);
     EXPECT_EQ(host_.init_errors.size(), 1U);
+}
+
+TEST_F(utf8_host, does_not_mind_a_folder_of_path_that_is_no_utf8_behind_the_one_that_is_found) {
+    fs::create_directories("tools/Wireshark");
+    TESTING::write_file("tools/Wireshark/tshark.exe", "");
+    EXPECT_EQ(SINK::discover_tshark_directory("tools;a\xFFz"), fs::path("tools") / "Wireshark");
+    EXPECT_THROW(SINK::discover_tshark_directory("a\xFFz;tools"), std::system_error);
 }
 
 TEST_F(utf8_host, works_in_folders_with_names_of_every_alphabet) {

@@ -1,5 +1,6 @@
 #include "analysis/analysis_run.h"
 
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,17 +24,23 @@ using TESTING::log_recorder;
 using testing::SizeIs;
 using testing::StartsWith;
 
+using steady_clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
 /// Prints the same output for every record, or nothing at all.
 class fixed_source final : public dissection_source {
   public:
     void dissect(const sink_context& /*context*/, const std::string& packet,
                  const output_handler& handler) override {
         packets.push_back(packet);
+        for (const auto begin = steady_clock::now(); steady_clock::now() - begin < duration;) {
+        }
         if (starts) {
             handler(output);
         }
     }
 
+    milliseconds duration{0};
     bool starts = true;
     std::string output = "[]";
     std::vector<std::string> packets;
@@ -94,6 +101,21 @@ TEST_F(analysis_run, delivers_what_tshark_shows_and_logs_how_long_that_took) {
     EXPECT_EQ(log_.entries.front().caller, &context_);
     EXPECT_THAT(log_.entries.front().message,
                 AllOf(StartsWith("tshark processing took: "), EndsWith("ms")));
+}
+
+TEST_F(analysis_run, logs_no_less_than_tshark_took_and_no_more_than_the_call) {
+    for (const milliseconds duration : {milliseconds(0), milliseconds(3)}) {
+        log_.entries.clear();
+        source_.duration = duration;
+        const auto begin = steady_clock::now();
+        analyse("nas-eps");
+        const auto taken = std::chrono::duration_cast<milliseconds>(steady_clock::now() - begin);
+        ASSERT_THAT(log_.entries, SizeIs(1));
+        const std::string& message = log_.entries.front().message;
+        const auto logged = std::stoll(message.substr(message.find(": ") + 2));
+        EXPECT_GE(logged, duration.count());
+        EXPECT_LE(logged, taken.count());
+    }
 }
 
 TEST_F(analysis_run, delivers_no_empty_document) {

@@ -92,16 +92,22 @@ TEST_F(ipv6_prefix, needs_88_bytes) {
 
 TEST_F(ipv6_prefix, needs_icmpv6_as_next_header) {
     std::string packet = advertisement();
-    packet[6] = 17;
-    capture(packet);
-    EXPECT_TRUE(texts_.empty());
+    for (int header = 0; header < 256; ++header) {
+        texts_.clear();
+        packet[6] = static_cast<char>(header);
+        capture(packet);
+        EXPECT_EQ(texts_.size(), header == 58 ? 1U : 0U) << header;
+    }
 }
 
 TEST_F(ipv6_prefix, needs_the_type_of_a_router_advertisement) {
     std::string packet = advertisement();
-    packet[40] = static_cast<char>(133);
-    capture(packet);
-    EXPECT_TRUE(texts_.empty());
+    for (int type = 0; type < 256; ++type) {
+        texts_.clear();
+        packet[40] = static_cast<char>(type);
+        capture(packet);
+        EXPECT_EQ(texts_.size(), type == 134 ? 1U : 0U) << type;
+    }
 }
 
 TEST_F(ipv6_prefix, is_taken_whatever_the_version_checksum_and_option_type) {
@@ -129,6 +135,24 @@ TEST_F(ipv6_prefix, is_kept_whatever_becomes_of_the_document) {
     chunk.format = "ip";
     capture_ipv6_prefix(context_, chunk, [](const json&) {});
     EXPECT_EQ(context_.carried_state, with_prefix("2001:0db8:0001:0000:0000:0000:0000:0000"));
+}
+
+TEST_F(ipv6_prefix, is_kept_before_the_document_is_received) {
+    context_.carried_state = with_prefix("old");
+    const std::string packet = advertisement();
+    kivra_trace_chunk chunk{};
+    chunk.data = reinterpret_cast<const std::uint8_t*>(packet.data());
+    chunk.size = static_cast<std::uint32_t>(packet.size());
+    chunk.format = "ip";
+    json kept;
+    EXPECT_THROW(capture_ipv6_prefix(context_, chunk,
+                                     [&](const json&) {
+                                         kept = context_.carried_state;
+                                         throw std::runtime_error("host is full");
+                                     }),
+                 std::runtime_error);
+    EXPECT_EQ(kept, with_prefix("2001:0db8:0001:0000:0000:0000:0000:0000"));
+    EXPECT_EQ(context_.carried_state, kept);
 }
 
 TEST_F(ipv6_prefix, is_refused_by_a_carried_state_that_cannot_hold_it) {

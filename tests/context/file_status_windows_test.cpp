@@ -1,3 +1,5 @@
+#include <windows.h>
+
 #include <string>
 
 #include <gmock/gmock.h>
@@ -21,6 +23,21 @@ const std::string no_device = R"(\\?\x)";
 TEST_F(file_status_on_windows, names_the_query_that_failed) {
     EXPECT_THAT([] { entry_exists(no_device); },
                 ThrowsMessage<fs::filesystem_error>(HasSubstr("exists")));
+}
+
+TEST_F(file_status_on_windows, names_the_removal_of_what_could_not_be_queried) {
+    EXPECT_THAT([] { remove_entry(no_device); },
+                ThrowsMessage<fs::filesystem_error>(HasSubstr("remove")));
+}
+
+TEST_F(file_status_on_windows, removes_what_is_read_only) {
+    TESTING::write_file("file", "");
+    ASSERT_TRUE(SetFileAttributesW(L"file", FILE_ATTRIBUTE_READONLY));
+    fs::create_directory("folder");
+    ASSERT_TRUE(SetFileAttributesW(L"folder", FILE_ATTRIBUTE_READONLY));
+    remove_entry("file");
+    remove_entry("folder");
+    EXPECT_THAT(TESTING::names_in("."), testing::IsEmpty());
 }
 
 TEST_F(file_status_on_windows, takes_what_can_be_no_name_for_missing) {

@@ -54,9 +54,12 @@ TEST_F(sink_contexts, log_with_their_address_and_the_hosts_user_data) {
 }
 
 TEST_F(sink_contexts, do_not_call_a_null_log_callback) {
-    const sink_context context(nullptr, nullptr, "t", scratch() / "output.json", "");
+    const sink_context context(&log_, nullptr, "t", scratch() / "output.json", "");
     context.log(KIVRA_LOG_ERROR, "a message");
     EXPECT_TRUE(log_.entries.empty());
+    const sink_context other(&log_, &log_recorder::callback, "t", scratch() / "output.json", "");
+    other.log(KIVRA_LOG_ERROR, "a message");
+    EXPECT_EQ(log_.entries.size(), 1U);
 }
 
 TEST_F(sink_contexts, delete_tsharks_output_and_nothing_else_in_the_end) {
@@ -64,6 +67,12 @@ TEST_F(sink_contexts, delete_tsharks_output_and_nothing_else_in_the_end) {
     TESTING::write_file("profile.json", "{}");
     make();
     EXPECT_EQ(TESTING::names_in("."), std::vector<std::string>{"profile.json"});
+}
+
+TEST_F(sink_contexts, delete_an_empty_folder_at_the_place_of_tsharks_output_in_the_end) {
+    fs::create_directory("output.json");
+    make();
+    EXPECT_TRUE(TESTING::names_in(".").empty());
 }
 
 TEST_F(sink_contexts, end_well_without_an_output) {

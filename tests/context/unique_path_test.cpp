@@ -1,6 +1,7 @@
 #include "context/unique_path.h"
 
 #include <regex>
+#include <set>
 
 #include <gtest/gtest.h>
 
@@ -47,6 +48,14 @@ TEST_F(unique_paths, create_nothing) {
 TEST_F(unique_paths, carry_the_time_in_steps_of_100_nanoseconds) {
     const std::string name = unique_path("tshark", "json").filename().string();
     EXPECT_TRUE(std::regex_match(name, std::regex("tshark[0-9]{17}001\\.json"))) << name;
+}
+
+TEST(wall_clock, steps_by_100_nanoseconds) {
+    std::set<std::int64_t> last_digits;
+    for (int reading = 0; reading < 1'000'000 && last_digits.size() < 2; ++reading) {
+        last_digits.insert(wall_clock_nanoseconds() % 1'000);
+    }
+    EXPECT_EQ(last_digits.size(), 2U);
 }
 
 TEST(wall_clock, counts_from_1970) {

@@ -21,8 +21,8 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 std::string description() {
-    return "tshark sink plugin () " KIVRA_VERSION "\n" +
-           read_file(data_file("init_parameter_schema.json")) + "\n";
+    return "tshark sink plugin () 0.13.1\n" + read_file(data_file("init_parameter_schema.json")) +
+           "\n";
 }
 
 /// The programs, one for each language.

@@ -1,5 +1,7 @@
 #include "parser/lte_rrc_parser.h"
 
+#include <utility>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -58,6 +60,11 @@ TEST_F(lte_rrc, writes_nothing_for_a_layer_without_fields) {
 TEST_F(lte_rrc, takes_the_long_cycle_from_the_table_of_all_drx_timers) {
     EXPECT_EQ(parse(R"({"lte-rrc.longDRX_CycleStartOffset": "9"})"),
               json::parse(R"({"lte-rrc": {"cdrx_int": "30"}})"));
+}
+
+TEST_F(lte_rrc, takes_the_on_duration_from_the_table_of_all_drx_timers) {
+    EXPECT_EQ(parse(R"({"lte-rrc.onDurationTimer": "21"})"),
+              json::parse(R"({"lte-rrc": {"cdrx_on_duration": "2560"}})"));
 }
 
 TEST_F(lte_rrc, does_not_find_a_drx_field_by_the_beginning_of_its_name) {
@@ -120,6 +127,37 @@ TEST_F(lte_rrc, goes_on_behind_a_value_without_an_entry) {
                                           "connection_state": "rrcConnectionRelease"}})"));
     EXPECT_THAT(log_.messages(),
                 ElementsAre("4 defaultPagingCycle mapping not found", "99 mapping not found"));
+}
+
+TEST_F(lte_rrc, logs_values_without_an_entry_in_the_order_of_its_members) {
+    parse(R"({"lte-rrc.defaultPagingCycle": "91", "lte-rrc.mpdcch_NumRepetition_Paging_r13": "92",
+              "lte-rrc.longDRX_CycleStartOffset": "93", "lte-rrc.onDurationTimer": "94",
+              "lte-rrc.drx_InactivityTimer": "95"})");
+    EXPECT_THAT(log_.messages(), ElementsAre("91 defaultPagingCycle mapping not found",
+                                             "92 mpdcch_NumRepetition_Paging_r13 mapping not found",
+                                             "93 mapping not found", "94 mapping not found",
+                                             "95 mapping not found"));
+}
+
+TEST_F(lte_rrc, stops_at_each_value_that_is_no_text_in_the_order_of_its_members) {
+    const json fields{
+        {"lte-rrc.defaultPagingCycle", "0"},       {"lte-rrc.mpdcch_NumRepetition_Paging_r13", "0"},
+        {"lte-rrc.longDRX_CycleStartOffset", "0"}, {"lte-rrc.onDurationTimer", "0"},
+        {"lte-rrc.drx_InactivityTimer", "0"},      {"lte-rrc.rrcConnectionSetup_element", ""}};
+    json expected;
+    for (const auto& [field, member] :
+         {std::pair("lte-rrc.defaultPagingCycle", json{{"idrx_int", "0.32"}}),
+          std::pair("lte-rrc.mpdcch_NumRepetition_Paging_r13", json{{"idrx_reps", "1"}}),
+          std::pair("lte-rrc.longDRX_CycleStartOffset", json{{"cdrx_int", "1"}}),
+          std::pair("lte-rrc.onDurationTimer", json{{"cdrx_on_duration", "1"}}),
+          std::pair("lte-rrc.drx_InactivityTimer", json{{"cdrx_inactive_timer", "1"}})}) {
+        json message = fields;
+        message[field] = 0;
+        result_ = {};
+        EXPECT_THROW(parse(message.dump()), json::type_error) << field;
+        EXPECT_EQ(result_, expected) << field;
+        expected["lte-rrc"].update(member);
+    }
 }
 
 TEST_F(lte_rrc, stops_at_a_value_that_is_no_text_and_keeps_what_came_before) {

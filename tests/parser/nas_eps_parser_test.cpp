@@ -394,6 +394,22 @@ TEST_F(nas_eps_cause, has_a_code_and_a_reason) {
     EXPECT_TRUE(cause_of("27").at("code").is_number_integer());
 }
 
+TEST_F(nas_eps_cause, is_searched_for_in_the_whole_container) {
+    const json expected{{"code", 27}, {"reason", "Missing or unknown APN"}};
+    for (const char* container : {
+             R"({"ESM cause": {"nas_eps.esm.cause": "27"}})",
+             R"({"nas_eps.emm.esm_msg_cont_tree": {"ESM cause": {"nas_eps.esm.cause": "27"}}})",
+             R"({"a": {"b": {"c": {"ESM cause": {"nas_eps.esm.cause": "27"}}}},
+                 "nas_eps.emm.esm_msg_cont_tree": {}})",
+             R"({"nas_eps.emm.esm_msg_cont_tree": {},
+                 "z": {"z": {"ESM cause": {"nas_eps.esm.cause": "27"}}}})",
+         }) {
+        result_ = {};
+        const json message{{"ESM message container", json::parse(container)}};
+        EXPECT_EQ(parse(message.dump()), (json{{"nas-eps", {{"cause", expected}}}})) << container;
+    }
+}
+
 TEST_F(nas_eps_cause, has_an_undefined_reason_without_a_row) {
     EXPECT_EQ(cause_of("1"), (json{{"code", 1}, {"reason", "undefined reason"}}));
 }
@@ -529,6 +545,15 @@ TEST_F(nas_eps, decodes_t3402_last_of_the_timers) {
     EXPECT_THROW(parse(message), json::type_error);
     EXPECT_TRUE(result_.at("nas-eps").contains("gprs_timer_T3412_value"));
     EXPECT_EQ(result_.at("nas-eps").size(), 3);
+}
+
+TEST_F(nas_eps, stops_at_a_bit_rate_that_fails_behind_the_pdn_address) {
+    const std::string message = replaced(full_message, R"("nas_eps.esm.apn_ambr_ul": "128")",
+                                         R"("nas_eps.esm.apn_ambr_ul": "x")");
+    EXPECT_THROW(parse(message), std::invalid_argument);
+    EXPECT_EQ(result_.at("nas-eps").at("pdn"), (json{{"nas_eps.esm.pdn_ipv4", "10.0.0.1"}}));
+    EXPECT_TRUE(result_.at("nas-eps").contains("apn_aggregate_maximum_bit_rate"));
+    EXPECT_EQ(result_.at("nas-eps").size(), 6);
 }
 
 TEST_F(nas_eps, stops_at_an_operator_that_fails_between_bit_rate_and_access_point_name) {

@@ -23,6 +23,13 @@ TEST_F(files, are_overwritten_whole) {
     EXPECT_EQ(TESTING::read_file("file"), "short");
 }
 
+TEST_F(files, stay_the_same_when_overwritten) {
+    write_file("file", "a longer text");
+    std::filesystem::create_hard_link("file", "other name");
+    write_file("file", "short");
+    EXPECT_EQ(TESTING::read_file("other name"), "short");
+}
+
 TEST_F(files, that_cannot_be_written_are_not_told) {
     std::filesystem::create_directory("folder");
     write_file("folder", "content");

@@ -1,8 +1,12 @@
 #include "profile/result_mapping.h"
 
+#include <string>
+#include <vector>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "profile/profile_values.h"
 #include "tests/support/files.h"
 #include "tests/support/parser_probe.h"
 
@@ -134,6 +138,32 @@ TEST_F(result_mapping, carries_lte_rrc_members_in_their_order) {
                                            "idrx_int": "5"}})"));
     EXPECT_EQ(context_.texts.cdrx_inactive_timer, "3");
     EXPECT_EQ(context_.texts.idrx_int, "");
+}
+
+TEST_F(result_mapping, carries_each_lte_rrc_member_before_the_next) {
+    json members = json::object();
+    for (const char* member :
+         {"cdrx_int", "cdrx_on_duration", "cdrx_inactive_timer", "idrx_reps", "idrx_int"}) {
+        members[member] = "1";
+    }
+    std::size_t carried = 0;
+    for (const auto& value : drx_values) {
+        json result{{"lte-rrc", members}};
+        result["lte-rrc"][value.file_member] = 1;
+        context_.texts = {};
+        EXPECT_ANY_THROW(carry(result.dump().c_str())) << value.file_member;
+        const std::vector<std::string> texts{
+            context_.texts.cdrx_int, context_.texts.cdrx_on_duration,
+            context_.texts.cdrx_inactive_timer, context_.texts.idrx_reps, context_.texts.idrx_int};
+        std::vector<std::string> expected(carried++, "1");
+        expected.resize(texts.size());
+        EXPECT_EQ(texts, expected) << value.file_member;
+    }
+}
+
+TEST_F(result_mapping, carries_lte_rrc_members_before_the_pdn) {
+    EXPECT_ANY_THROW(carry(R"({"lte-rrc": {"idrx_int": 5}, "nas-eps": {"pdn": "text"}})"));
+    EXPECT_TRUE(context_.carried_state.is_null());
 }
 
 TEST_F(result_mapping, carries_the_pdn_before_the_timers_and_t3412_before_t3324) {

@@ -1,4 +1,4 @@
-"""scripts/check-docs and scripts/check-includes find what they are there to find."""
+"""scripts/check-docs, scripts/check-includes and scripts/mutate --check find what they are there to find."""
 import json
 import pathlib
 import subprocess
@@ -19,18 +19,50 @@ TREE = {
 
 
 class scratch_tree(unittest.TestCase):
-    def output_of(self, script, **files):
+    def output_of(self, script, *options, **files):
         """What the script says about the tree above with further or other files ("a__b" is a/b)."""
         with tempfile.TemporaryDirectory() as folder:
             for name, content in {**TREE, **files}.items():
                 file = pathlib.Path(folder, name)
                 file.parent.mkdir(parents=True, exist_ok=True)
                 file.write_text(content)
-            run = subprocess.run([SCRIPTS / script, folder], capture_output=True, text=True,
+            run = subprocess.run([SCRIPTS / script, *options, folder], capture_output=True, text=True,
                                  check=False)
         self.assertEqual(run.stderr, "")
         self.assertEqual(run.returncode, 1 if run.stdout else 0)
         return run.stdout
+
+
+class mutants(scratch_tree):
+    FIRST = "a-name\nparser/file.cpp\n- one\n+ two\n"
+
+    def complaints(self, mutants, source="one\nother\n"):
+        return self.output_of("mutate", "--check", **{
+            "parser/file.cpp": source, "tests/mutants/parser.txt": mutants})
+
+    def test_may_break_one_place_each(self):
+        self.assertEqual(self.complaints(f"{self.FIRST}\n# more\nb-name\nparser/file.cpp\n- other\n+\n"), "")
+
+    def test_break_several_lines(self):
+        self.assertEqual(self.complaints("a\nparser/file.cpp\n- one\n- other\n+ two\n"), "")
+
+    def test_must_fit_the_source(self):
+        self.assertIn("stands 0 times", self.complaints(self.FIRST, "three\n"))
+        self.assertIn("stands 2 times", self.complaints(self.FIRST, "one one\n"))
+        self.assertIn("stands 0 times", self.complaints(self.FIRST.replace("file", "no_file")))
+
+    def test_must_change_something(self):
+        self.assertIn("is no mutant", self.complaints("a\nparser/file.cpp\n- one\n+ one\n"))
+
+    def test_are_written_by_the_rules(self):
+        for stanza in ("a\n", "a b\nparser/file.cpp\n- one\n+ two\n", "a\nparser/file.cpp\n- one\ntwo\n"):
+            self.assertIn("is no mutant", self.complaints(stanza))
+
+    def test_are_of_a_module_with_tests(self):
+        self.assertIn("no tests are known", self.complaints("a\nREADME.md\n- one\n+ two\n"))
+
+    def test_have_names_of_their_own(self):
+        self.assertIn("a-name is the name of two", self.complaints(f"{self.FIRST}\n{self.FIRST}"))
 
 
 class includes(scratch_tree):

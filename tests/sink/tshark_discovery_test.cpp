@@ -15,7 +15,7 @@ using testing::ElementsAre;
 using testing::StrEq;
 using testing::ThrowsMessage;
 
-const fs::path program_files = R"(C:\Program Files)";
+constexpr auto program_files = R"(C:\Program Files)";
 
 class discovery : public TESTING::scratch_test {};
 

@@ -71,7 +71,7 @@ TEST(packet_splitters, refuse_what_is_no_array_of_packets) {
     for (const std::string& output :
          {std::string("tshark: failed"), std::string("{}"), std::string("[1]"), std::string("[[]]"),
           std::string("[null"), std::string("[\"a\"]"), first + "x", first + "]x", first + "]{",
-          first + "][", std::string(1, '\0')}) {
+          first + "][", first + "],", "," + first, std::string(1, '\0')}) {
         for (const std::size_t piece : {1U, 65'536U}) {
             EXPECT_THROW(packets_of(output, piece), not_a_packet) << output;
         }
