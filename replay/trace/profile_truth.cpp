@@ -36,7 +36,7 @@ constexpr std::array<member_meaning, 10> meanings{{
     {"config_lte_psm_req_rptau", "T3412 extended", setting_role::requested, ""},
 }};
 
-/// What was in force with a record that gave the setting; null when it did not.
+/// What was in force with a record; null where that is not known.
 const setting_change* change_at(const setting_entry& entry, std::uint64_t record) {
     const setting_change* found = entry.last.record <= record ? &entry.last : nullptr;
     for (const auto& change : entry.first) {
@@ -44,7 +44,10 @@ const setting_change* change_at(const setting_entry& entry, std::uint64_t record
             found = change.record <= record ? &change : found;
         }
     }
-    return found;
+    // Behind the changes that are kept, the last one alone is known.
+    const bool some_are_missing = entry.changes > entry.first.size() + 1;
+    return some_are_missing && found == &entry.first.back() && found->record < record ? nullptr
+                                                                                      : found;
 }
 
 std::optional<double> number_in(const std::string& text) {
