@@ -144,6 +144,30 @@ TEST_F(conclusions, tell_of_a_request_without_an_accept) {
                              "PSM asked for with T3324 60 s; no accept is in the trace.", 2U)));
 }
 
+TEST_F(conclusions, tell_of_an_accept_without_t3324_that_is_like_the_one_before) {
+    tell("T3412", granted, "3240");
+    tell("T3324", requested, "60");
+    tell("T3412", granted, "3240");
+    EXPECT_THAT(found(), ElementsAre(FieldsAre("PSM not granted: asked for with T3324 60 s, and "
+                                               "the accept has no T3324.",
+                                               3U)));
+}
+
+TEST_F(conclusions, tell_of_psm_that_the_last_accept_does_not_grant) {
+    tell("T3324", requested, "60");
+    tell_together({seconds("T3412", granted, "3240"), seconds("T3324", granted, "60")});
+    tell("T3412", granted, "3240");
+    EXPECT_THAT(found(),
+                ElementsAre(FieldsAre("PSM has ended: the last accept has no T3324.", 3U)));
+}
+
+TEST_F(conclusions, take_t3412_where_the_last_accept_has_no_extended_one) {
+    tell_together({seconds("T3412", granted, "3240"), seconds("T3412 extended", granted, "252000"),
+                   seconds("T3324", granted, "40")});
+    tell_together({seconds("T3412", granted, "3240"), seconds("T3324", granted, "40")});
+    EXPECT_THAT(texts(), ElementsAre(HasSubstr("asleep for up to 3200 s (53.3 min): T3412 asks")));
+}
+
 TEST_F(conclusions, tell_of_t3412_extended_that_was_asked_for_alone) {
     tell("T3412 extended", requested, "3600");
     EXPECT_THAT(found(), ElementsAre(FieldsAre("PSM not asked for: T3412 extended alone, without "
@@ -171,6 +195,14 @@ TEST_F(conclusions, tell_of_edrx_that_was_not_granted) {
     tell("eDRX cycle", requested, "81.92");
     EXPECT_THAT(found(), ElementsAre(FieldsAre(
                              "eDRX asked for (81.92 s), and not granted in the trace.", 1U)));
+}
+
+TEST_F(conclusions, tell_of_edrx_that_the_last_accept_does_not_grant) {
+    tell("default paging cycle", broadcast, "1.28");
+    tell_together({seconds("T3412", granted, "3240"), seconds("eDRX cycle", granted, "81.92")});
+    tell("T3412", granted, "3240");
+    EXPECT_THAT(found(), ElementsAre(FieldsAre("eDRX has ended: the last accept grants none.", 3U),
+                                     FieldsAre("The paging cycle is the cell's, 1.28 s.", 1U)));
 }
 
 TEST_F(conclusions, do_not_rest_on_a_cycle_whose_meaning_is_not_known) {

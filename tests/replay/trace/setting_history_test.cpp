@@ -73,6 +73,15 @@ TEST(setting_histories, note_changes_and_no_repetitions) {
     EXPECT_THAT(entry.first, ElementsAre(change(1, "10"), change(3, "20"), change(5, "10")));
 }
 
+TEST(setting_histories, know_the_last_record_of_a_setting_also_without_a_change) {
+    setting_history history;
+    history.add(1, 0, {timer("10"), timer("60", requested)});
+    history.add(2, 0, {timer("10")});
+    EXPECT_EQ(entry_of(history, "T3324", granted).last_record, 2U);
+    EXPECT_THAT(entry_of(history, "T3324", granted).last, change(1, "10"));
+    EXPECT_EQ(entry_of(history, "T3324", requested).last_record, 1U);
+}
+
 TEST(setting_histories, tell_the_value_in_force) {
     setting_history history;
     history.add(1, 0, {timer("10")});
