@@ -72,11 +72,15 @@ profile_truth truth_of(const profile_value& value, std::uint64_t record,
         const auto* const entry =
             meaning.member == value.name ? settings.find(meaning.setting, meaning.role) : nullptr;
         const auto* const change = entry == nullptr ? nullptr : change_at(*entry, record);
-        // Requested and granted take turns in the profile: the later one is in it.
-        if (change == nullptr || change->record <= newest) {
+        if (change == nullptr) {
             continue;
         }
-        newest = change->record;
+        // Requested and granted take turns in the profile: the later one is in it.
+        const auto given = entry->last_record == record ? record : change->record;
+        if (given <= newest) {
+            continue;
+        }
+        newest = given;
         result.truth = std::string(meaning.setting) + ' ' + text_of(*change);
         if (meaning.role == setting_role::granted || meaning.role == setting_role::requested) {
             result.truth.append(" ").append(text_of(meaning.role));

@@ -101,6 +101,12 @@ TEST_F(ltem_truths, of_the_octets_are_the_later_ones_of_requested_and_granted) {
     EXPECT_EQ(beside("config_lte_psm_req_rat", "00100010", 5).truth, "T3324 120 s requested");
 }
 
+TEST_F(ltem_truths, of_the_octets_are_the_later_ones_also_where_they_are_asked_for_again) {
+    tell(4, {told("T3324", "10", "s", role::granted)});
+    tell(5, {told("T3324", "60", "s", role::requested)});
+    EXPECT_EQ(beside("config_lte_psm_req_rat", "00100001", 5).truth, "T3324 60 s requested");
+}
+
 TEST_F(ltem_truths, are_those_in_force_at_the_members_record) {
     tell(8, {told("default paging cycle", "2.56", "s", role::broadcast)});
     tell(9, {told("default paging cycle", "0.32", "s", role::broadcast)});
