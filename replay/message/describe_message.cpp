@@ -49,7 +49,10 @@ message_description describe_packet(const json& packet) {
 message_description describe_record(const trace_record& record) {
     if (record.format == "ip") {
         const unsigned version = record.payload.empty() ? 0 : record.payload[0] >> 4U;
-        return {.name = version == 4 ? "IPv4 packet" : version == 6 ? "IPv6 packet" : "IP packet"};
+        return {.name = version == 4   ? "IPv4 packet"
+                        : version == 6 ? "IPv6 packet"
+                                       : "IP packet",
+                .event = message_event::content};
     }
     return {.name = record.format.empty() ? "unknown message" : record.format};
 }

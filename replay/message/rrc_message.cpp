@@ -155,17 +155,28 @@ constexpr std::array<std::string_view, 8> causes{
 constexpr std::array<std::string_view, 6> narrowband_causes{
     "mt-Access", "mo-Signalling", "mo-Data", "mo-ExceptionData", "delayTolerantAccess", "mt-EDT"};
 
+/// 3GPP TS 36.331, 6.2.2 and 6.7.2: the establishmentCause-r15 of RRCEarlyDataRequest.
+constexpr std::array<std::string_view, 2> early_data_causes{"mo-Data", "delayTolerantAccess"};
+constexpr std::array<std::string_view, 4> narrowband_early_data_causes{
+    "mo-Data", "mo-ExceptionData", "delayTolerantAccess", "mt-Access"};
+
+std::span<const std::string_view> cause_names(std::string_view field, const rrc_channel& channel) {
+    const bool is_narrowband = channel.name.ends_with(narrowband_end);
+    if (field == "establishmentCause_r15") {
+        return is_narrowband ? std::span<const std::string_view>(narrowband_early_data_causes)
+                             : early_data_causes;
+    }
+    return is_narrowband ? std::span<const std::string_view>(narrowband_causes) : causes;
+}
+
 /// The cause by its number in the dissection; empty for a number without a name.
-std::string cause_name(const json& value, const rrc_channel& channel) {
+std::string cause_name(const json& value, std::string_view field, const rrc_channel& channel) {
+    const auto names = cause_names(field, channel);
     const auto* const text = value.get_ptr<const std::string*>();
-    std::size_t number = causes.size();
+    std::size_t number = names.size();
     if (text != nullptr) {
         std::from_chars(text->data(), text->data() + text->size(), number);
     }
-    const std::span<const std::string_view> names =
-        channel.name.ends_with(narrowband_end)
-            ? std::span<const std::string_view>(narrowband_causes)
-            : causes;
     return number < names.size() ? std::string(names[number]) : "";
 }
 
@@ -174,7 +185,7 @@ std::string connection_cause(const json& tree, const rrc_channel& channel, int l
     for (const auto& [key, value] : tree.items()) {
         const auto name = name_between(key, "");
         if (name.starts_with("establishmentCause") || name.starts_with("resumeCause")) {
-            return cause_name(value, channel);
+            return cause_name(value, name, channel);
         }
         if (value.is_object() && levels > 0) {
             if (auto cause = connection_cause(value, channel, levels - 1); !cause.empty()) {

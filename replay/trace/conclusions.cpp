@@ -56,9 +56,24 @@ class reasoning {
         found_.push_back({std::move(text), basis.last.record});
     }
 
+    /// A setting that the network granted, and a later accept did not: it ends then (24.301, 5.3.11
+    /// and 5.3.12). Accepts are known by their T3412.
+    bool has_ended(const setting_entry* given) const {
+        const auto* const accept = granted("T3412");
+        return given != nullptr && accept != nullptr && accept->last_record > given->last_record;
+    }
+
+    void add_end(std::string_view what) {
+        found_.push_back({std::string(what), granted("T3412")->last_record});
+    }
+
     void about_power_saving() {
         const auto* const asked = requested("T3324");
         const auto* const given = granted("T3324");
+        if (has_ended(given)) {
+            add_end("PSM has ended: the last accept has no T3324.");
+            return;
+        }
         active_time_ = seconds_in(given);
         if (active_time_) {
             about_sleep(*given);
@@ -74,10 +89,10 @@ class reasoning {
 
     void about_refusal(const setting_entry& asked) {
         const auto* const accept = granted("T3412");
-        if (accept != nullptr && accept->last.record > asked.last.record) {
-            add("PSM not granted: asked for with T3324 " + text_of(asked.last) +
-                    ", and the accept has no T3324.",
-                *accept);
+        if (accept != nullptr && accept->last_record > asked.last.record) {
+            found_.push_back({"PSM not granted: asked for with T3324 " + text_of(asked.last) +
+                                  ", and the accept has no T3324.",
+                              accept->last_record});
         } else {
             add("PSM asked for with T3324 " + text_of(asked.last) + "; no accept is in the trace.",
                 asked);
@@ -87,7 +102,8 @@ class reasoning {
     void about_sleep(const setting_entry& given) {
         const auto* const extended = granted("T3412 extended");
         // It takes the place of T3412, also where it is deactivated.
-        const auto* const periodic = extended == nullptr ? granted("T3412") : extended;
+        const auto* const periodic =
+            extended == nullptr || has_ended(extended) ? granted("T3412") : extended;
         std::string text = "PSM granted: after each release reachable for " +
                            readable_seconds(*active_time_) + ", which is T3324";
         if (const auto period = seconds_in(periodic)) {
@@ -117,10 +133,15 @@ class reasoning {
             }
             return;
         }
+        if (has_ended(given)) {
+            add_end("eDRX has ended: the last accept grants none.");
+            return;
+        }
         const auto cycle = seconds_in(given);
         if (!cycle) {
             return;
         }
+        uses_edrx_ = true;
         add("eDRX granted: paged once in " + readable_seconds(*cycle) +
                 ", within its paging time window.",
             *given);
@@ -152,7 +173,7 @@ class reasoning {
                 *own);
         } else {
             add("The paging cycle is the cell's, " + text_of(cell->last) +
-                    (granted("eDRX cycle") != nullptr ? ", within eDRX's window." : "."),
+                    (uses_edrx_ ? ", within eDRX's window." : "."),
                 *cell);
         }
     }
@@ -160,6 +181,7 @@ class reasoning {
     const setting_history& settings_;
     std::vector<conclusion> found_;
     std::optional<double> active_time_;
+    bool uses_edrx_ = false;
 };
 
 }  // namespace

@@ -36,7 +36,7 @@ constexpr std::array<member_meaning, 10> meanings{{
     {"config_lte_psm_req_rptau", "T3412 extended", setting_role::requested, ""},
 }};
 
-/// What was in force with a record that gave the setting; null when it did not.
+/// What was in force with a record; null where that is not known.
 const setting_change* change_at(const setting_entry& entry, std::uint64_t record) {
     const setting_change* found = entry.last.record <= record ? &entry.last : nullptr;
     for (const auto& change : entry.first) {
@@ -44,7 +44,10 @@ const setting_change* change_at(const setting_entry& entry, std::uint64_t record
             found = change.record <= record ? &change : found;
         }
     }
-    return found;
+    // Behind the changes that are kept, the last one alone is known.
+    const bool some_are_missing = entry.changes > entry.first.size() + 1;
+    return some_are_missing && found == &entry.first.back() && found->record < record ? nullptr
+                                                                                      : found;
 }
 
 std::optional<double> number_in(const std::string& text) {
@@ -69,11 +72,15 @@ profile_truth truth_of(const profile_value& value, std::uint64_t record,
         const auto* const entry =
             meaning.member == value.name ? settings.find(meaning.setting, meaning.role) : nullptr;
         const auto* const change = entry == nullptr ? nullptr : change_at(*entry, record);
-        // Requested and granted take turns in the profile: the later one is in it.
-        if (change == nullptr || change->record <= newest) {
+        if (change == nullptr) {
             continue;
         }
-        newest = change->record;
+        // Requested and granted take turns in the profile: the later one is in it.
+        const auto given = entry->last_record == record ? record : change->record;
+        if (given <= newest) {
+            continue;
+        }
+        newest = given;
         result.truth = std::string(meaning.setting) + ' ' + text_of(*change);
         if (meaning.role == setting_role::granted || meaning.role == setting_role::requested) {
             result.truth.append(" ").append(text_of(meaning.role));

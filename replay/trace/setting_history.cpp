@@ -48,7 +48,9 @@ void setting_history::change(const setting& told, setting_change value) {
         }
         entries_.push_back({told.name, told.role, told.clause});
         entry = std::prev(entries_.end());
-    } else if (entry->last.value == value.value && entry->last.unit == value.unit) {
+    }
+    entry->last_record = value.record;
+    if (entry->changes != 0 && entry->last.value == value.value && entry->last.unit == value.unit) {
         return;
     }
     ++entry->changes;

@@ -31,6 +31,8 @@ struct setting_entry {
     std::vector<setting_change> first = {};
     /// The one in force.
     setting_change last = {};
+    /// The last record that gave it, with whatever value.
+    std::uint64_t last_record = 0;
 };
 
 /// Its size does not grow with the number of records.
