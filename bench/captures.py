@@ -1,4 +1,4 @@
-"""Captures of any length, made of the samples' packets (pcapng, little-endian)."""
+"""Captures of any length, made of the samples' packets (little-endian pcapng, or pcap)."""
 
 import itertools
 import struct
@@ -33,3 +33,31 @@ def write_repeated(path, samples, count, wanted=lambda packet: True):
         capture.writelines(block for _, block in head)
         repeated = itertools.islice(itertools.cycle(packets), count)
         capture.writelines(packet for packet in repeated if wanted(packet))
+
+
+PCAP_FILE_HEAD = 24
+PCAP_PACKET_HEAD = struct.Struct("<IIII")
+
+
+def pcap_packets(image):
+    """(seconds, microseconds, bytes)"""
+    at = PCAP_FILE_HEAD
+    while at < len(image):
+        seconds, microseconds, length, _ = PCAP_PACKET_HEAD.unpack_from(image, at)
+        at += PCAP_PACKET_HEAD.size
+        yield seconds, microseconds, image[at : at + length]
+        at += length
+
+
+def write_repeated_pcap(path, sample, count):
+    """The sample over and over, its times going on, cut after `count` packets."""
+    image = sample.read_bytes()
+    packets = list(pcap_packets(image))
+    period = packets[-1][0] - packets[0][0] + 2
+    with open(path, "wb") as capture:
+        capture.write(image[:PCAP_FILE_HEAD])
+        for number in range(count):
+            turn, place = divmod(number, len(packets))
+            seconds, microseconds, data = packets[place]
+            head = (seconds + turn * period, microseconds, len(data), len(data))
+            capture.write(PCAP_PACKET_HEAD.pack(*head) + data)
