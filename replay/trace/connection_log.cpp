@@ -67,7 +67,6 @@ void connection_log::add(std::uint64_t number, const trace_record& record, const
         case message_event::content:
             if (open_) {
                 open_->last_content = now;
-                open_->last_record = number;
             }
             break;
         case message_event::none:
