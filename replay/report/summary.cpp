@@ -158,14 +158,11 @@ void summary::print_members(std::ostream& out, const profile_content& content) c
     const auto& sources = totals_.told.sources.of_members();
     for (const auto& member : truth_beside(content, sources, totals_.told.settings)) {
         out << indent << std::left << std::setw(name_width) << printable(member.member)
-            << std::setw(value_width) << printable(member.value) << in_record(member.record);
-        if (!member.truth.empty()) {
-            out << ": " << printable(member.truth);
-        }
-        out << '\n';
-        if (!member.difference.empty()) {
-            print_wrapped(out, "differs: " + std::string(member.difference), "        ");
-        }
+            << std::setw(value_width) << printable(member.value) << in_record(member.record)
+            << '\n';
+        const std::string mark = member.difference.empty() ? "" : "; differs: ";
+        print_wrapped(out, printable(member.truth) + mark + std::string(member.difference),
+                      "        ");
     }
     std::string defaults;
     for (const auto& [name, value] : content) {
