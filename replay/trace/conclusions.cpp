@@ -187,7 +187,7 @@ class reasoning {
 }  // namespace
 
 std::string readable_seconds(double seconds) {
-    const std::string text = number_text(seconds) + " s";
+    std::string text = number_text(seconds) + " s";
     constexpr double minute = 60;
     constexpr double hour = 60 * minute;
     constexpr double day = 24 * hour;

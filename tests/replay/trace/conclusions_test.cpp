@@ -239,6 +239,12 @@ TEST_F(conclusions, do_not_speak_for_a_cell_whose_sib1_is_not_in_the_trace) {
     EXPECT_THAT(texts(), Not(testing::Contains(HasSubstr("does not broadcast"))));
 }
 
+TEST_F(conclusions, do_not_speak_for_a_cell_whose_sib2_is_not_in_the_trace) {
+    tell("eDRX cycle", granted, "81.92");
+    tell("cell barred", broadcast, "not barred");
+    EXPECT_THAT(texts(), SizeIs(1));
+}
+
 TEST_F(conclusions, have_nothing_against_a_cell_that_allows_edrx) {
     tell("eDRX cycle", granted, "81.92");
     tell_together({{"cell barred", "not barred", "", broadcast, ""},

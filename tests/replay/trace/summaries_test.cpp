@@ -94,6 +94,20 @@ TEST_F(summaries, of_failures_follow_the_schema) {
     EXPECT_EQ(summary["measured"]["end"], "300000000000000000 us");
 }
 
+TEST_F(summaries, of_values_that_are_not_known_follow_the_schema) {
+    // A tracking area update request with eDRX, without a word on the radio access.
+    constexpr std::string_view request{
+        "\x07\x48\x00\x0b\xf6\x62\xf2\x20\x80\x03\xc8\xc2\xe6\x5e\x9a\x6e\x01\x14", 18};
+    write_capture({{exported_pdu_image("nas-eps", request), 0}});
+    EXPECT_EQ(summarise("capture.pcapng"), 0);
+    EXPECT_EQ(complaints(), "");
+    const auto settings = read_json("summary.json")["settings"];
+    EXPECT_THAT(
+        settings,
+        testing::Contains(testing::ResultOf(
+            [](const json& entry) { return entry["in_force"].value("known", true); }, false)));
+}
+
 TEST_F(summaries, with_a_member_more_do_not_follow_the_schema) {
     const auto summary = summary_of(capture_file("ltem_attach_psm.pcapng"));
     for (const char* const place :
