@@ -36,7 +36,7 @@ std::optional<trace_record> extracted_capture::next() {
             return handed_out(std::move(*record));
         }
         if (failure_) {
-            throw *failure_;
+            std::rethrow_exception(failure_);
         }
         if (ended_) {
             explain_user_link_type();
@@ -59,9 +59,9 @@ extraction_state extracted_capture::read_packet() {
     extraction_state state{};
     try {
         state = process_->read(packet, patience);
-    } catch (const capture_error& error) {
+    } catch (const capture_error&) {
         // What was read before comes first.
-        failure_ = error;
+        failure_ = std::current_exception();
         return extraction_state::ended;
     }
     ended_ = state == extraction_state::ended;
@@ -76,7 +76,7 @@ extraction_state extracted_capture::read_packet() {
     return state;
 }
 
-void extracted_capture::add(extracted_packet packet) {
+void extracted_capture::add(extracted_packet&& packet) {
     last_packet_ = packet.number;
     encrypted_rrc_ += packet.is_encrypted ? 1 : 0;
     user_link_type_ = packet.user_link_type ? packet.user_link_type : user_link_type_;

@@ -118,7 +118,7 @@ class message_search {
   private:
     void search_member(const json& tree, const std::string& member, const json& value,
                        bool is_inside_rrc, int level) {
-        const bool is_rrc = member == rrc_layer && value.is_structured();
+        const bool is_rrc = member == rrc_layer;
         if (is_rrc && !is_inside_rrc) {
             add_rrc(tree, member, value);
         }
