@@ -50,10 +50,10 @@ class named_pipe {
 /// Reads that many bytes with C's functions, or to the end.
 std::string read(input_stream& source, std::size_t size) {
     std::FILE* const stream = source.open();
-    std::setvbuf(stream, nullptr, _IONBF, 0);
+    EXPECT_EQ(std::setvbuf(stream, nullptr, _IONBF, 0), 0);
     std::string text(size, '\0');
     text.resize(std::fread(text.data(), 1, size, stream));
-    std::fclose(stream);
+    EXPECT_EQ(std::fclose(stream), 0);
     return text;
 }
 
