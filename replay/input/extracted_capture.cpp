@@ -28,7 +28,7 @@ std::optional<trace_record> extracted_capture::next() {
             return handed_out(std::move(*record));
         }
         if (failure_) {
-            throw *failure_;
+            std::rethrow_exception(failure_);
         }
         if (ended_) {
             explain_user_link_type();
@@ -55,9 +55,9 @@ extraction_state extracted_capture::read_packet() {
         if (state == extraction_state::packet) {
             packet = packet_in(text);
         }
-    } catch (const capture_error& error) {
+    } catch (const capture_error&) {
         // What was read before comes first.
-        failure_ = error;
+        failure_ = std::current_exception();
         return extraction_state::ended;
     }
     ended_ = state == extraction_state::ended;
@@ -84,7 +84,7 @@ extracted_packet extracted_capture::packet_in(const std::string& text) const {
     }
 }
 
-void extracted_capture::add(extracted_packet packet) {
+void extracted_capture::add(extracted_packet&& packet) {
     last_packet_ = packet.number;
     encrypted_rrc_ += packet.is_encrypted ? 1 : 0;
     user_link_type_ = packet.user_link_type ? packet.user_link_type : user_link_type_;

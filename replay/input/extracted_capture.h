@@ -1,6 +1,7 @@
 /// Captures that tshark reads: whatever it can open, with messages in whatever carries them.
 #pragma once
 
+#include <exception>
 #include <optional>
 #include <string>
 #include <utility>
@@ -28,7 +29,7 @@ class extracted_capture final : public capture {
     void start(extraction_depth depth);
     extraction_state read_packet();
     extracted_packet packet_in(const std::string& text) const;
-    void add(extracted_packet packet);
+    void add(extracted_packet&& packet);
     void explain_user_link_type() const;
     trace_record handed_out(extracted_record record);
 
@@ -43,7 +44,7 @@ class extracted_capture final : public capture {
     std::optional<int> user_link_type_;
     bool found_records_ = false;
     bool ended_ = false;
-    std::optional<capture_error> failure_;
+    std::exception_ptr failure_;
 };
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -52,10 +52,10 @@ class named_pipe {
 std::string read(input_stream& source, std::size_t size) {
     c_stream adapter(source);
     std::FILE* const stream = adapter.open();
-    std::setvbuf(stream, nullptr, _IONBF, 0);
+    EXPECT_EQ(std::setvbuf(stream, nullptr, _IONBF, 0), 0);
     std::string text(size, '\0');
     text.resize(std::fread(text.data(), 1, size, stream));
-    std::fclose(stream);
+    EXPECT_EQ(std::fclose(stream), 0);
     return text;
 }
 

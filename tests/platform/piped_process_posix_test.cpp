@@ -394,7 +394,7 @@ TEST_F(piped_processes_on_posix, are_waited_for_until_they_end) {
 
 TEST_F(piped_processes_on_posix, are_waited_for_until_they_take_input) {
     const auto process = start_script("exec cat >/dev/null");
-    const std::string much(10'000'000, 'x');
+    const std::string much(1'000'000, 'x');
     process->exchange(much, {}, /*wait=*/true);
     process->wait({.input = true, .output = false}, day);
     EXPECT_GT(process->exchange(much, {}, /*wait=*/false).written, 0U);

@@ -2,8 +2,12 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <iterator>
+#include <ostream>
 #include <regex>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -40,9 +44,9 @@ struct replayed {
     bool operator==(const replayed&) const = default;
 };
 
-void PrintTo(const replayed& run, std::ostream* out) {
-    *out << "status " << run.status << ", " << testing::PrintToString(run.lines) << ", profile "
-         << run.profile;
+std::ostream& operator<<(std::ostream& out, const replayed& run) {
+    return out << "status " << run.status << ", " << testing::PrintToString(run.lines)
+               << ", profile " << run.profile;
 }
 
 /// JSON Lines without numbers and timings, and the profile, empty when there is none.
@@ -61,7 +65,7 @@ texts with(texts arguments, const texts& more) {
 }
 
 bool is_of_format(const std::string& line, const std::string& begin) {
-    return line.find("\"format\":\"" + begin) != std::string::npos;
+    return line.find(R"("format":")" + begin) != std::string::npos;
 }
 
 texts picked(const texts& lines, const std::function<bool(const std::string&)>& is_wanted) {
@@ -75,8 +79,8 @@ struct sample_case {
     texts options = {};
 };
 
-void PrintTo(const sample_case& sample, std::ostream* out) {
-    *out << sample.file;
+std::ostream& operator<<(std::ostream& out, const sample_case& sample) {
+    return out << sample.file;
 }
 
 class captured_traces : public scratch_test,
@@ -180,7 +184,7 @@ class mac_traces : public captured_traces {};
 
 /// A line without the record's time: what stands inside an RRC message has the time of that one.
 std::string without_time(const std::string& line) {
-    static const std::regex time("\"time\":\"[^\"]*\",");
+    static const std::regex time(R"("time":"[^"]*",)");
     return std::regex_replace(line, time, "");
 }
 

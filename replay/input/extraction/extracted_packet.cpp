@@ -65,7 +65,7 @@ class message_search {
   private:
     void search_member(const printed_json& tree, const std::string& member,
                        const printed_json& value, bool is_inside_rrc, int level) {
-        const bool is_rrc = member == rrc_layer && value.is_structured();
+        const bool is_rrc = member == rrc_layer;
         if (is_rrc && !is_inside_rrc) {
             add_rrc(tree, member, value);
         }

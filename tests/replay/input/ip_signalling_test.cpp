@@ -16,7 +16,7 @@ constexpr char sctp = '\x84';
 /// UDP ports, or what else a payload begins with.
 const std::string to_gsmtap = "\x30\x39\x12\x79"s;
 const std::string from_gsmtap = "\x12\x79\x30\x39"s;
-const std::string other_ports = "\x30\x39\x30\x40"s;
+const std::string other_ports = "\x30\x39\x12\x7a"s;
 
 std::string ipv4(char protocol, const std::string& payload, const std::string& options = "") {
     std::string header(20, '\0');

@@ -19,6 +19,7 @@ class rrc_channels_of_tshark : public scratch_test {};
 
 TEST_F(rrc_channels_of_tshark, have_these_dissectors_and_elements) {
     std::vector<image_packet> packets;
+    packets.reserve(rrc_channels.size());
     for (const auto& channel : rrc_channels) {
         packets.push_back(
             {exported_pdu_image(channel.dissector, std::string(40, '\0')), packets.size()});
