@@ -65,7 +65,10 @@ TEST_F(sink_contexts, do_not_call_a_null_log_callback) {
 TEST_F(sink_contexts, delete_tsharks_output_and_nothing_else_in_the_end) {
     TESTING::write_file("output.json", "[]");
     TESTING::write_file("profile.json", "{}");
-    make();
+    {
+        const sink_context context(&log_, &log_recorder::callback, "t", scratch() / "output.json",
+                                   "profile.json");
+    }
     EXPECT_EQ(TESTING::names_in("."), std::vector<std::string>{"profile.json"});
 }
 

@@ -181,13 +181,15 @@ TEST_F(piped_processes_on_posix,
         sigaddset(&blocked, SIGTERM);
         ASSERT_EQ(sigprocmask(SIG_BLOCK, &blocked, nullptr), 0);
         static_cast<void>(::signal(SIGPIPE, SIG_IGN));
-        const auto process = start_script(
-            "grep SigBlk /proc/self/status; grep SigIgn /proc/self/status; cut -d' ' -f5 "
-            "/proc/$$/stat");
-        EXPECT_EQ(read_line(*process), "SigBlk:\t0000000000000000");
-        const auto ignored = std::stoull(read_line(*process).substr(8), nullptr, 16);
+        static_cast<void>(::signal(SIGCHLD, SIG_IGN));
+        // Without a shell, which clears the mask that it was given.
+        piped_process process("/bin/grep", {"-E", "SigBlk|SigIgn", "/proc/self/status"});
+        EXPECT_EQ(read_line(process), "SigBlk:\t0000000000000000");
+        const auto ignored = std::stoull(read_line(process).substr(8), nullptr, 16);
         EXPECT_EQ(ignored & (1ULL << (SIGPIPE - 1)), 0U);
-        EXPECT_NE(std::stoi(read_line(*process)), ::getpgrp());
+        EXPECT_EQ(ignored & (1ULL << (SIGCHLD - 1)), 0U);
+        const auto script = start_script("cut -d' ' -f5 /proc/$$/stat");
+        EXPECT_NE(std::stoi(read_line(*script)), ::getpgrp());
     });
 }
 
