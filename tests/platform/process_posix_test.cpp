@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/platform.h"
@@ -14,6 +15,7 @@
 #include "tests/support/files.h"
 #include "tests/support/limits_posix.h"
 #include "tests/support/privileges_posix.h"
+#include "tests/support/system.h"
 
 namespace KIVRA::TSHARK::PLATFORM {
 namespace {
@@ -166,6 +168,13 @@ TEST_F(processes, begin_with_no_signal_blocked) {
     run_program("/bin/grep", {"SigBlk", "/proc/self/status"}, "file");
     sigprocmask(SIG_SETMASK, &former, nullptr);
     EXPECT_EQ(TESTING::read_file("file"), "SigBlk:\t0000000000000000\n");
+}
+
+TEST_F(processes, get_the_hosts_environment) {
+    const TESTING::environment_guard guard("KIVRA_PROBE");
+    TESTING::set_environment("KIVRA_PROBE", "a value");
+    run_program("/usr/bin/env", {}, "file");
+    EXPECT_THAT(TESTING::read_file("file"), testing::HasSubstr("KIVRA_PROBE=a value\n"));
 }
 
 TEST_F(processes, stand_in_a_process_group_of_their_own) {
