@@ -45,7 +45,7 @@ fs::path find_tshark_directory(std::string_view folders) {
     const auto searched = std::string(folders);
     while (!folders.empty()) {
         const auto end = std::min(folders.find(PLATFORM::path_separator()), folders.size());
-        const auto folder = folder_of(folders.substr(0, end));
+        auto folder = folder_of(folders.substr(0, end));
         if (!folder.empty() && holds_tshark(folder)) {
             return folder;
         }

@@ -15,6 +15,7 @@ class c_stream {
   public:
     /// @param input outlives the object
     explicit c_stream(input_stream& input) : input_(input) {}
+    ~c_stream() = default;
     c_stream(const c_stream&) = delete;
     c_stream& operator=(const c_stream&) = delete;
 
