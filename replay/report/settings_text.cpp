@@ -74,13 +74,13 @@ void print_agreed(std::ostream& out, const setting_history& settings) {
         if (!is_agreed(entry) || &entry != first) {
             continue;
         }
-        const auto* const last = given == nullptr ? asked : given;
+        const setting_entry& last = given == nullptr ? entry : *given;
         out << indent;
         print_cell(out, printable(entry.name), name_width, name_end);
         print_cell(out, shown(asked), value_width, name_end + value_width);
         print_cell(out, shown(given), value_width, value_end);
         print_numbers(
-            out, last->last.record,
+            out, last.last.record,
             (asked == nullptr ? 0 : asked->changes) + (given == nullptr ? 0 : given->changes));
     }
 }
