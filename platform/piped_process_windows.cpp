@@ -331,6 +331,7 @@ struct piped_process::connection {
             events.at(count++) = output.event();
         }
         if (wanted.other) {
+            // NOLINTNEXTLINE(performance-no-int-to-ptr): the caller has a handle as a number
             events.at(count++) = reinterpret_cast<HANDLE>(*wanted.other);
         }
         constexpr BOOL all = FALSE;

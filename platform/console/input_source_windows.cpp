@@ -69,6 +69,7 @@ struct input_source::state {
         if (reader != nullptr) {
             return;
         }
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the runtime gives a handle as a number
         reader = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, run, this, 0, nullptr));
         if (reader == nullptr) {
             fail(ERROR_NOT_ENOUGH_MEMORY);
