@@ -128,7 +128,8 @@ int finish_with(SOCKET connection) {
     DWORD written = 0;
     WriteFile(GetStdHandle(STD_ERROR_HANDLE), errors.data(), static_cast<DWORD>(errors.size()),
               &written, nullptr);
-    return std::atoi(text.substr(0, end).c_str());
+    constexpr int decimal = 10;
+    return static_cast<int>(std::strtol(text.c_str(), nullptr, decimal));
 }
 
 /// Wine hands a program below no pipe, but both know the same sockets: one is for the program's
