@@ -272,6 +272,19 @@ TEST_F(data, carries_the_pdn_of_a_nas_record_to_an_ip_record) {
                   "ipv4": "10.0.0.2"}}})"));
 }
 
+TEST_F(data, carries_the_pdn_through_complete_and_cancel) {
+    TESTING::fake_tshark_prints(
+        R"([{"_source": {"layers": {"nas-eps": {"PDN address": {"ipv4": "10.0.0.1"}}}}}])");
+    EXPECT_EQ(host_.data("nas-eps", ""), 0);
+    host_.exports.complete(host_.context);
+    host_.exports.cancel(host_.context);
+    std::string packet(88, '\0');
+    packet[6] = 58;
+    packet[40] = static_cast<char>(134);
+    EXPECT_EQ(host_.data("ip", packet), 0);
+    EXPECT_EQ(json::parse(host_.texts.back())["nas-eps"]["pdn"]["ipv4"], "10.0.0.1");
+}
+
 TEST_F(data, has_a_release_that_leaves_nothing_at_the_place_of_tsharks_output) {
     TESTING::fake_tshark_runs("ls tshark[0-9]*.json > fake_tshark.output_name; echo '[]'");
     EXPECT_EQ(host_.data("nas-eps", ""), 0);

@@ -77,10 +77,23 @@ TEST(init_parameters, take_the_later_of_two_entries) {
     EXPECT_TRUE(values.tshark_directory.empty());
 }
 
+TEST(init_parameters, take_the_later_of_two_words_on_the_session) {
+    EXPECT_FALSE(
+        read_init_parameters(block_of({{"tshark_session", "on"}, {"tshark_session", "off"}}))
+            .tshark_session);
+    EXPECT_TRUE(
+        read_init_parameters(block_of({{"tshark_session", "off"}, {"tshark_session", "on"}}))
+            .tshark_session);
+}
+
 TEST(init_parameters, skip_null_keys_and_null_values) {
-    const init_values values = read_init_parameters(
-        block_of({{"file_path", "kept"}, {nullptr, "a"}, {"file_path", nullptr}}));
+    const init_values values =
+        read_init_parameters(block_of({{"file_path", "kept"},
+                                       {nullptr, "a"},
+                                       {"file_path", nullptr},
+                                       {"tshark_directory", "behind them"}}));
     EXPECT_EQ(values.parameter_file, "kept");
+    EXPECT_EQ(values.tshark_directory, "behind them");
 }
 
 TEST(init_parameters, may_fill_all_20_entries) {
