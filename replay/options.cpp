@@ -31,6 +31,7 @@ struct command_line {
     bool quiet = false;
     std::string output;
     std::string summary;
+    std::string report;
     std::string plugin;
     std::string tshark_directory;
     std::string profile = "kivra-profile.json";
@@ -41,6 +42,10 @@ struct command_line {
 
 std::string reject_empty(const std::string& value) {
     return value.empty() ? "must not be empty" : "";
+}
+
+std::string reject_standard_output(const std::string& value) {
+    return value == "-" ? "must be a file" : "";
 }
 
 CLI::Option* add_place(CLI::App& app, const char* name, const char* type, std::string& place,
@@ -61,6 +66,10 @@ void add_report_options(CLI::App& app, command_line& line) {
               "standard output)");
     add_place(app, "--summary", "FILE", line.summary,
               "Write the summary of the run to this file, as JSON");
+    add_place(app, "--report", "FILE", line.report,
+              "Write all of the run to this file, as a web page with a\n"
+              "timeline")
+        ->check(reject_standard_output);
 }
 
 void add_run_options(CLI::App& app, command_line& line) {
@@ -129,6 +138,7 @@ options options_of(const command_line& line) {
                    .profile = path_of(line.profile),
                    .output = path_of(line.output),
                    .summary = path_of(line.summary),
+                   .report = path_of(line.report),
                    .json = line.json,
                    .all = line.all,
                    .quiet = line.quiet,

@@ -23,6 +23,8 @@ struct options {
     std::filesystem::path output;
     /// Where the summary goes as JSON; empty: nowhere.
     std::filesystem::path summary;
+    /// Where the report as a web page goes; empty: nowhere.
+    std::filesystem::path report;
     /// JSON Lines for programs, instead of a table for people.
     bool json = false;
     /// Every record in the table, not only those that tell something new.

@@ -17,6 +17,8 @@
 #include "replay/find_tshark.h"
 #include "replay/input/capture_stream.h"
 #include "replay/output.h"
+#include "replay/page/page_file.h"
+#include "replay/page/page_report.h"
 #include "replay/progress.h"
 #include "replay/record/path_text.h"
 #include "replay/report/formatting.h"
@@ -26,6 +28,7 @@
 #include "replay/runner/in_process.h"
 #include "replay/runner/plugin.h"
 #include "replay/trace/profile_file.h"
+#include "replay/tshark_version.h"
 #include "sink/tshark_discovery.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -35,10 +38,10 @@ namespace {
 namespace fs = std::filesystem;
 using PLATFORM::standard_stream;
 
-/// What would be written over a capture: the report or the profile.
+/// What would be written over a capture: a report or the profile.
 void refuse_to_overwrite_captures(const options& wanted) {
     for (const auto& source : wanted.captures) {
-        for (const auto& target : {wanted.output, wanted.profile, wanted.summary}) {
+        for (const auto& target : {wanted.output, wanted.profile, wanted.summary, wanted.report}) {
             std::error_code missing;
             if (fs::equivalent(source, target, missing)) {
                 throw std::runtime_error(text_of(target) + " is a capture to read, not to write");
@@ -78,6 +81,16 @@ std::vector<std::unique_ptr<report>> reports_for(const options& wanted, output& 
         reports.push_back(std::make_unique<summary_file>(wanted.summary, profile));
     }
     return reports;
+}
+
+/// What the page says of the run.
+page_heading heading_for(const options& wanted, const fs::path& tshark) {
+    page_heading heading{
+        .version = KIVRA_VERSION, .tshark = tshark_version(tshark), .captures = {}};
+    for (const auto& capture : wanted.captures) {
+        heading.captures.push_back(text_of(capture));
+    }
+    return heading;
 }
 
 /// The records of a stream on their way through a runner into the reports.
@@ -220,9 +233,20 @@ exit_status replay(const options& wanted) {
     const auto tshark = tshark_in(directory, wanted);
     const auto [runner, description] = runner_for(wanted, directory, tshark);
     output out(wanted.output);
-    replay_run run(wanted, out, reports_for(wanted, out, profile), *runner);
+    auto reports = reports_for(wanted, out, profile);
+    std::optional<page_file> page;
+    if (!wanted.report.empty()) {
+        page.emplace(wanted.report);
+        reports.push_back(
+            std::make_unique<page_report>(*page, heading_for(wanted, tshark), profile));
+    }
+    replay_run run(wanted, out, std::move(reports), *runner);
     capture_stream records(wanted.captures, tshark, wanted.extraction, [&run] { run.catch_up(); });
-    return run.run(description, records);
+    const auto status = run.run(description, records);
+    if (page) {
+        page->finish();
+    }
+    return status;
 }
 
 void print_error(std::string_view message) {

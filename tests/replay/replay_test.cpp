@@ -341,12 +341,50 @@ TEST_F(kivra_replay, refuses_a_report_that_can_not_be_written) {
                    "can't write missing/report: No such file or directory");
 }
 
+TEST_F(kivra_replay, refuses_a_page_that_can_not_be_written) {
+    write_capture("c.pcapng", {ip_packet});
+    expect_refusal(run({"c.pcapng", "--report", "missing/page.html"}),
+                   "can't write missing/page.html: No such file or directory");
+}
+
+TEST_F(kivra_replay, ends_with_an_error_where_a_page_finds_no_room) {
+    write_capture("c.pcapng", {ip_packet});
+    const auto result = run({"c.pcapng", "-q", "--report", "/dev/full"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.error, "kivra-replay: can't write /dev/full: No space left on device\n");
+}
+
+TEST_F(kivra_replay, writes_the_same_page_whatever_else_it_writes) {
+    const auto capture = capture_file("ltem_attach_psm.pcapng");
+    EXPECT_EQ(run({"-q", "--report", "alone.html", capture}).output, "");
+    const auto plain = run({"--all", capture});
+    EXPECT_EQ(run({"--all", "--report", "table.html", capture}).output, plain.output);
+    run({"--json", "--output", "lines", "--summary", "summary", "--report", "lines.html", capture});
+    const auto page = read_file("alone.html");
+    EXPECT_THAT(page, AllOf(StartsWith("<!DOCTYPE html>"), EndsWith("</html>\n")));
+    EXPECT_EQ(read_file("table.html"), page);
+    EXPECT_EQ(read_file("lines.html"), page);
+}
+
+TEST_F(kivra_replay, writes_a_page_of_what_a_plugin_gives) {
+    const auto capture = capture_file("ltem_attach_psm.pcapng");
+    run({"-q", "--report", "in_process.html", capture});
+    run({"-q", "--report", "plugin.html", "--plugin", KIVRA_PLUGIN, "--session", capture});
+    const auto records_in = [](const std::string& page) {
+        const auto begin = page.find("class=\"records\"");
+        return page.substr(begin, page.find("class=\"summary\"") - begin);
+    };
+    EXPECT_EQ(records_in(read_file("plugin.html")), records_in(read_file("in_process.html")));
+    EXPECT_THAT(read_file("plugin.html"), HasSubstr("kivra-tshark-sink.so 0."));
+}
+
 TEST_F(kivra_replay, refuses_to_write_over_a_capture) {
     write_capture("c.pcapng", {ip_packet});
     const auto image = read_file("c.pcapng");
     expect_refusal(run({"c.pcapng", "--output", "./c.pcapng"}),
                    "./c.pcapng is a capture to read, not to write");
     expect_refusal(run({"c.pcapng", "--profile", scratch() / "c.pcapng"}), "not to write");
+    expect_refusal(run({"c.pcapng", "--report", "c.pcapng"}), "not to write");
     EXPECT_EQ(read_file("c.pcapng"), image);
 }
 
