@@ -38,6 +38,7 @@ struct command_line {
     std::vector<std::string> user_link_types;
     std::vector<std::string> tshark_options;
     std::vector<std::string> captures;
+    std::vector<std::string> compared;
 };
 
 std::string reject_empty(const std::string& value) {
@@ -66,10 +67,19 @@ void add_report_options(CLI::App& app, command_line& line) {
               "standard output)");
     add_place(app, "--summary", "FILE", line.summary,
               "Write the summary of the run to this file, as JSON");
-    add_place(app, "--report", "FILE", line.report,
-              "Write all of the run to this file, as a web page with a\n"
-              "timeline")
-        ->check(reject_standard_output);
+    auto* const report = add_place(app, "--report", "FILE", line.report,
+                                   "Write all of the run to this file, as a web page with a\n"
+                                   "timeline")
+                             ->check(reject_standard_output);
+    app.add_option("--compare", line.compared,
+                   "A capture that the page shows beside the others, with\n"
+                   "what differs; repeatable")
+        ->type_name("CAPTURE")
+        ->expected(1)
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->check(reject_empty)
+        ->needs(report);
 }
 
 void add_run_options(CLI::App& app, command_line& line) {
@@ -129,7 +139,7 @@ extraction_options extraction_options_of(const command_line& line) {
 }
 
 options options_of(const command_line& line) {
-    if (std::ranges::count(line.captures, "-") > 1) {
+    if (std::ranges::count(line.captures, "-") + std::ranges::count(line.compared, "-") > 1) {
         throw std::runtime_error("the standard input can be read only once");
     }
     options wanted{.plugin = path_of(line.plugin),
@@ -143,8 +153,10 @@ options options_of(const command_line& line) {
                    .all = line.all,
                    .quiet = line.quiet,
                    .extraction = extraction_options_of(line),
-                   .captures = {}};
+                   .captures = {},
+                   .compared = {}};
     std::ranges::transform(line.captures, std::back_inserter(wanted.captures), path_of);
+    std::ranges::transform(line.compared, std::back_inserter(wanted.compared), path_of);
     return wanted;
 }
 

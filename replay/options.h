@@ -33,8 +33,10 @@ struct options {
     bool quiet = false;
     /// How tshark reads captures that are not read directly.
     extraction_options extraction;
-    /// At least one; "-" at most once.
+    /// At least one; "-" at most once, in these and the compared ones together.
     std::vector<std::filesystem::path> captures;
+    /// What the page shows beside these; may be empty.
+    std::vector<std::filesystem::path> compared;
 };
 
 /// What the command line asks for: a run with these options, or a text (the help or the version)

@@ -97,12 +97,12 @@ class Browser:
             const over = document.querySelector(".u-over");
             over.scrollIntoView({block: "center"});
             const box = over.getBoundingClientRect();
-            for (let y = 8; y < box.height; y += 8) {
-                for (let x = 0; x < box.width; x += 2) {
+            for (let y = 10; y < box.height; y += 12) {
+                for (let x = 0; x < box.width; x += 3) {
                     const place = {clientX: box.left + x, clientY: box.top + y, bubbles: true};
                     over.dispatchEvent(new MouseEvent("mousemove", place));
                     const hint = document.querySelector(".hint");
-                    if (!hint.hidden && hint.innerText.startsWith(arguments[0])) {
+                    if (!hint.hidden && hint.textContent.startsWith(arguments[0])) {
                         return [place.clientX, place.clientY, hint.innerText];
                     }
                 }

@@ -198,6 +198,46 @@ class figures(PageTest):
                           for entry in summary["measured"]["connections"]])
 
 
+class comparisons(PageTest):
+    def setUp(self):
+        self.browser.resize(1280)
+        self.summary = self.open("both", LTEM, "--compare", NBIOT)
+        if "other" not in self.pages:
+            self.replay("other", NBIOT)
+            self.pages["other"] = json.loads((self.folder / "other.json").read_text())
+        self.other = self.pages["other"]
+
+    def test_have_the_settings_of_both_and_mark_what_differs(self):
+        shown = {(role, name): values for name, role, *values in
+                 self.browser.rows("settings", "The values in force")}
+        one, other = ({(entry["role"], entry["name"]): value_text(entry["in_force"])
+                       for entry in summary["settings"]} for summary in (self.summary, self.other))
+        self.assertEqual(set(shown), set(one) | set(other))
+        for key, (first, second, mark) in shown.items():
+            self.assertEqual([first, second], [one.get(key, ""), other.get(key, "")])
+            self.assertEqual(mark, "" if first == second else "\u2260 only in B" if key not in one
+                             else "\u2260 only in A" if key not in other else "\u2260 differs")
+
+    def test_have_what_was_measured_in_both(self):
+        shown = {name: values for name, *values in self.browser.rows("measured", "Durations")}
+        for statistic, member in (("median", "median_s"), ("sum", "sum_s")):
+            self.assertEqual(shown[f"connected: {statistic}"][:2], [
+                with_number(summary["measured"]["connected"][member])
+                for summary in (self.summary, self.other)])
+        self.assertEqual(shown["connected: count"], ["2", "1", "\u2260 \u22121"])
+        self.assertEqual(shown["between tracking area updates: count"], ["0", "0", ""])
+
+    def test_have_both_timelines_on_one_axis(self):
+        for run, record in (("A", "22"), ("B", "8")):
+            found = self.browser.hint_at(f"record {record}: DL-DCCH")
+            self.browser.click(*found[:2])
+            self.browser.wait(lambda number=record: self.browser.chosen()[0] == number)
+            self.assertEqual(self.browser.run("""
+                return document.querySelector("#records select[aria-label=Trace]")
+                    .selectedOptions[0].textContent"""), f"Trace {run}")
+        self.assertTrue(self.browser.range().startswith("+0:00:00 to +1:00:06"))
+
+
 class timelines(PageTest):
     def setUp(self):
         self.browser.resize(1280)

@@ -99,6 +99,23 @@ TEST(command_line, has_a_page_in_a_file_only) {
             AllOf(HasSubstr("--report"), HasSubstr("must be a file"))));
 }
 
+TEST(command_line, compares_in_a_page) {
+    const auto wanted = std::get<options>(
+        read({"--report", "r.html", "--compare", "b1.pcap", "a.pcap", "--compare", "b2.pcap"}));
+    EXPECT_THAT(wanted.captures, ElementsAre("a.pcap"));
+    EXPECT_THAT(wanted.compared, ElementsAre("b1.pcap", "b2.pcap"));
+    EXPECT_THAT(
+        [] {
+            read({"a.pcap", "--compare", "b.pcap"});
+        },
+        ThrowsMessage<std::runtime_error>(AllOf(HasSubstr("--compare"), HasSubstr("--report"))));
+    EXPECT_THAT(
+        [] {
+            read({"-", "--report", "r.html", "--compare", "-"});
+        },
+        ThrowsMessage<std::runtime_error>("the standard input can be read only once"));
+}
+
 TEST(command_line, is_wrong_without_a_capture) {
     EXPECT_THAT([] { read({}); },
                 ThrowsMessage<std::runtime_error>("CAPTURE is required (see kivra-replay --help)"));

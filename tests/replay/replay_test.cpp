@@ -378,6 +378,41 @@ TEST_F(kivra_replay, writes_a_page_of_what_a_plugin_gives) {
     EXPECT_THAT(read_file("plugin.html"), HasSubstr("kivra-tshark-sink.so 0."));
 }
 
+TEST_F(kivra_replay, compares_captures_in_a_page_alone) {
+    const auto capture = capture_file("ltem_attach_psm.pcapng");
+    const auto compared = capture_file("nbiot_attach.pcapng");
+    const auto plain = run({"--json", "--summary", "plain.json", capture});
+    const auto result = run({"--json", "--summary", "s.json", "--profile", "p.json", "--report",
+                             "r.html", capture, "--compare", compared});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(without_timing(result.output), without_timing(plain.output));
+    EXPECT_EQ(result.error, "22 records, 0 failed\n8 records, 0 failed\n");
+    EXPECT_EQ(read_json("s.json")["measured"], read_json("plain.json")["measured"]);
+    EXPECT_EQ(read_json("p.json")["idrx_int"], "2.56");
+    EXPECT_EQ(read_json("p-compared.json")["idrx_int"], "0.64");
+}
+
+TEST_F(kivra_replay, fails_where_a_compared_record_does) {
+    write_capture("lab.pcapng", {lab_network_accept()});
+    EXPECT_EQ(run({"-q", "--report", "r.html", capture_file("nbiot_attach.pcapng"), "--compare",
+                   "lab.pcapng"})
+                  .status,
+              1);
+}
+
+TEST_F(kivra_replay, refuses_a_compared_capture_that_can_not_be_opened) {
+    write_capture("c.pcapng", {ip_packet});
+    expect_refusal(run({"c.pcapng", "--report", "r.html", "--compare", "missing"}), "missing");
+}
+
+TEST_F(kivra_replay, refuses_to_write_over_a_compared_capture) {
+    write_capture("c.pcapng", {ip_packet});
+    write_capture("p-compared.json", {ip_packet});
+    expect_refusal(run({"c.pcapng", "--report", "r.html", "--profile", "p.json", "--compare",
+                        "p-compared.json"}),
+                   "p-compared.json is a capture to read, not to write");
+}
+
 TEST_F(kivra_replay, refuses_to_write_over_a_capture) {
     write_capture("c.pcapng", {ip_packet});
     const auto image = read_file("c.pcapng");

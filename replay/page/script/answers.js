@@ -36,8 +36,8 @@ const ANSWERS = [
 const ROLE_WORDS = {granted: "granted", broadcast: "by the cell", configured: "configured"};
 
 function valueOf(run, entry) {
-  return element("span", {}, element("strong", {}, valueText(entry.in_force)), " (record ",
-    recordLink(run, entry.in_force.record), ")");
+  return element("span", {}, element("strong", {}, valueText(entry.in_force)), " ",
+    element("span", {class: "short"}, "(record ", recordLink(run, entry.in_force.record), ")"));
 }
 
 function answerCard(run, [title, questions]) {
@@ -79,7 +79,8 @@ function showAnswers(place, run) {
   if (conclusions.length > 0) {
     place.append(element("h3", {}, "What follows"), element("ul", {class: "conclusions"},
       ...conclusions.map(({text, record}) => (
-        element("li", {}, text, " (record ", recordLink(run, record), ")")))));
+        element("li", {}, text, " ",
+          element("span", {class: "short"}, "(record ", recordLink(run, record), ")"))))));
   }
 }
 

@@ -289,7 +289,7 @@ class Chart {
   }
 
   momentText(seconds) {
-    return this.model.aligned ? this.elapsed(Math.round(seconds * 1000) / 1000)
+    return this.model.aligned ? this.elapsed(Math.max(Math.round(seconds * 1000) / 1000, 0))
       : timeText(Math.round(this.model.origin + seconds * MICROSECONDS)).replace(/(\.\d{3})\d{3}Z/, "$1Z");
   }
 

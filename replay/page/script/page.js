@@ -5,8 +5,13 @@ function main() {
   const several = runs.length > 1;
   const place = (id) => document.getElementById(id);
   showHeading(place("heading"), runs);
-  for (const [id, show] of [["answers", showAnswers], ["settings", showSettings],
-    ["measured", showMeasured], ["profile", showProfile], ["diagnostics", showDiagnostics]]) {
+  for (const [id, show, compare] of [["answers", showAnswers], ["settings", showSettings, compareSettings],
+    ["measured", showMeasured, compareMeasured], ["profile", showProfile, compareProfiles],
+    ["diagnostics", showDiagnostics]]) {
+    if (several && compare) {
+      compare(place(id), runs);
+      continue;
+    }
     for (const run of runs) {
       const part = several
         ? element("section", {class: "run"}, element("h3", {class: "run-name"}, runName(run)))
