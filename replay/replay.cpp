@@ -28,6 +28,7 @@
 #include "replay/report/table_report.h"
 #include "replay/runner/in_process.h"
 #include "replay/runner/plugin.h"
+#include "replay/terminal_timeline.h"
 #include "replay/trace/profile_file.h"
 #include "replay/tshark_version.h"
 #include "sink/tshark_discovery.h"
@@ -92,6 +93,9 @@ std::vector<std::unique_ptr<report>> reports_for(const options& wanted, output& 
     } else if (!wanted.quiet) {
         reports.push_back(
             std::make_unique<table_report>(out.stream(), out.takes_colour(), wanted.all, profile));
+        if (out.columns() >= terminal_timeline::least_columns) {
+            reports.push_back(std::make_unique<terminal_timeline>(out.stream(), out.columns()));
+        }
     }
     if (!wanted.summary.empty()) {
         reports.push_back(std::make_unique<summary_file>(wanted.summary, profile));

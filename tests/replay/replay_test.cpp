@@ -423,6 +423,28 @@ TEST_F(kivra_replay, refuses_to_write_over_a_capture) {
     EXPECT_EQ(read_file("c.pcapng"), image);
 }
 
+TEST_F(kivra_replay, draws_a_timeline_on_a_terminal_that_has_room) {
+    const auto capture = capture_file("ltem_attach_psm.pcapng");
+    const auto on_terminal = [&capture](unsigned short columns) {
+        return run({capture}, {.output_is_terminal = true, .terminal_columns = columns}).output;
+    };
+    const std::string heading =
+        "timeline from 2025-11-24T16:00:00.000000Z to 2025-11-24T17:00:06.153500Z\r\n"
+        "    connected                   #                                              #\r\n"
+        "    idle                        ------------------------------------------------\r\n"
+        "    attach request              ^\r\n"
+        "    release                     ^                                              ^\r\n";
+    EXPECT_THAT(on_terminal(80), HasSubstr(heading));
+    EXPECT_THAT(on_terminal(79), Not(HasSubstr("timeline")));
+    EXPECT_THAT(on_terminal(0), Not(HasSubstr("timeline")));
+    EXPECT_THAT(run({capture}).output, Not(HasSubstr("timeline")));
+    EXPECT_THAT(
+        run({capture, "--output", "table"}, {.output_is_terminal = true, .terminal_columns = 80})
+            .output,
+        "");
+    EXPECT_THAT(read_file("table"), Not(HasSubstr("timeline")));
+}
+
 TEST_F(kivra_replay, is_coloured_on_a_terminal_only) {
     write_capture("c.pcapng", {nameless_packet});
     constexpr const char* red = "\033[31m";
