@@ -335,6 +335,21 @@ class timelines(PageTest):
         self.assertIn("PSM allows to sleep 3580 s (59.7 min)", text)
         self.assertIn("252000 s (70 h) after the release", text)
 
+    def test_shorten_an_hour_of_sleep_and_give_it_its_room(self):
+        release = "record 17: DL-DCCH"
+        left, _, width, _ = self.browser.chart_box()
+        shortened = self.browser.hint_at(release)[0]
+        self.browser.find("#timeline button[aria-pressed=true]").click()
+        self.browser.wait(lambda: self.browser.hint_at(release)[0] < left + 0.1 * width)
+        self.assertGreater(shortened, left + 0.4 * width)
+        self.browser.find("#timeline button[aria-pressed=false]").click()
+        self.browser.wait(lambda: self.browser.hint_at(release)[0] == shortened)
+
+    def test_of_steady_traffic_shorten_nothing(self):
+        self.open_hour()
+        self.assertEqual(self.browser.run(
+            "return document.querySelectorAll('#timeline [aria-pressed]').length"), 0)
+
     def test_show_connections_and_their_silence(self):
         _, _, text = self.browser.hint_at("connected 10.9175 s for mo-Signalling")
         self.assertIn("silent for the last 10.4 s, then released", text)

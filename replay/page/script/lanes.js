@@ -19,8 +19,8 @@ const STEP_LANES = [
   ["granted", "T3412 extended", "T3412 extended", "T3412e"],
   ["granted", "eDRX cycle", "eDRX cycle", "eDRX"],
   ["broadcast", "default paging cycle", "paging cycle", "pg cycle"],
-  ["broadcast", "MPDCCH repetitions for paging", "paging repetitions", "pg rep."],
-  ["broadcast", "NPDCCH repetitions for paging", "paging repetitions", "pg rep."],
+  ["broadcast", "MPDCCH repetitions for paging", "MPDCCH repetitions", "pg rep."],
+  ["broadcast", "NPDCCH repetitions for paging", "NPDCCH repetitions", "pg rep."],
   ["configured", "long DRX cycle", "C-DRX cycle", "C-DRX"],
 ];
 const MOST_STEP_LANES = 9;
@@ -202,6 +202,8 @@ function microsecondsOf(iso) {
 /** Quiet times longer than this share of the trace are shortened, to this share of all others. */
 const QUIET = 0.05;
 const SHORTENED = 0.12;
+/** How many times shorter the axis has to become. */
+const WORTH_IT = 3;
 
 /** The quiet times of all runs together: {from, to, width}, the width being the seconds that they get. */
 function quietTimes(runs, begin, end) {
@@ -216,8 +218,10 @@ function quietTimes(runs, begin, end) {
   }
   const all = quiet.reduce((sum, {from, to}) => sum + to - from, 0);
   const width = Math.max(SHORTENED * (end - begin - all), 1e-3);
-  // What is not much longer than it would become stays as it is.
-  return quiet.filter(({from, to}) => to - from > 2 * width).map((gap) => {
+  if (end - begin < WORTH_IT * (end - begin - all + quiet.length * width)) {
+    return [];
+  }
+  return quiet.map((gap) => {
     const margin = Math.min(width, gap.to - gap.from) / 8;
     return {from: gap.from + margin, to: gap.to - margin, width};
   });
