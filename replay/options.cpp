@@ -31,16 +31,22 @@ struct command_line {
     bool quiet = false;
     std::string output;
     std::string summary;
+    std::string report;
     std::string plugin;
     std::string tshark_directory;
     std::string profile = "kivra-profile.json";
     std::vector<std::string> user_link_types;
     std::vector<std::string> tshark_options;
     std::vector<std::string> captures;
+    std::vector<std::string> compared;
 };
 
 std::string reject_empty(const std::string& value) {
     return value.empty() ? "must not be empty" : "";
+}
+
+std::string reject_standard_output(const std::string& value) {
+    return value == "-" ? "must be a file" : "";
 }
 
 CLI::Option* add_place(CLI::App& app, const char* name, const char* type, std::string& place,
@@ -61,6 +67,19 @@ void add_report_options(CLI::App& app, command_line& line) {
               "standard output)");
     add_place(app, "--summary", "FILE", line.summary,
               "Write the summary of the run to this file, as JSON");
+    auto* const report = add_place(app, "--report", "FILE", line.report,
+                                   "Write all of the run to this file, as a web page with a\n"
+                                   "timeline")
+                             ->check(reject_standard_output);
+    app.add_option("--compare", line.compared,
+                   "A capture that the page shows beside the others, with\n"
+                   "what differs; repeatable")
+        ->type_name("CAPTURE")
+        ->expected(1)
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->check(reject_empty)
+        ->needs(report);
 }
 
 void add_run_options(CLI::App& app, command_line& line) {
@@ -120,7 +139,7 @@ extraction_options extraction_options_of(const command_line& line) {
 }
 
 options options_of(const command_line& line) {
-    if (std::ranges::count(line.captures, "-") > 1) {
+    if (std::ranges::count(line.captures, "-") + std::ranges::count(line.compared, "-") > 1) {
         throw std::runtime_error("the standard input can be read only once");
     }
     options wanted{.plugin = path_of(line.plugin),
@@ -129,12 +148,15 @@ options options_of(const command_line& line) {
                    .profile = path_of(line.profile),
                    .output = path_of(line.output),
                    .summary = path_of(line.summary),
+                   .report = path_of(line.report),
                    .json = line.json,
                    .all = line.all,
                    .quiet = line.quiet,
                    .extraction = extraction_options_of(line),
-                   .captures = {}};
+                   .captures = {},
+                   .compared = {}};
     std::ranges::transform(line.captures, std::back_inserter(wanted.captures), path_of);
+    std::ranges::transform(line.compared, std::back_inserter(wanted.compared), path_of);
     return wanted;
 }
 

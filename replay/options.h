@@ -23,6 +23,8 @@ struct options {
     std::filesystem::path output;
     /// Where the summary goes as JSON; empty: nowhere.
     std::filesystem::path summary;
+    /// Where the report as a web page goes; empty: nowhere.
+    std::filesystem::path report;
     /// JSON Lines for programs, instead of a table for people.
     bool json = false;
     /// Every record in the table, not only those that tell something new.
@@ -31,8 +33,10 @@ struct options {
     bool quiet = false;
     /// How tshark reads captures that are not read directly.
     extraction_options extraction;
-    /// At least one; "-" at most once.
+    /// At least one; "-" at most once, in these and the compared ones together.
     std::vector<std::filesystem::path> captures;
+    /// What the page shows beside these; may be empty.
+    std::vector<std::filesystem::path> compared;
 };
 
 /// What the command line asks for: a run with these options, or a text (the help or the version)

@@ -42,6 +42,10 @@ bool output::takes_colour() const {
            environment("NO_COLOR").empty() && environment("TERM") != "dumb";
 }
 
+std::size_t output::columns() const {
+    return file_ ? 0 : PLATFORM::output_columns();
+}
+
 void output::flush() {
     // A write that has failed before has left its reason.
     if (stream()) {

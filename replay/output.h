@@ -1,6 +1,7 @@
 /// Where a run's report goes.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <optional>
@@ -25,6 +26,9 @@ class output {
 
     /// Whether colours are welcome: on a terminal, unless NO_COLOR or TERM say otherwise.
     bool takes_colour() const;
+
+    /// How many characters fit on a line of a terminal; 0 elsewhere.
+    std::size_t columns() const;
 
     /// Writes through.
     /// @throws reader_gone, or std::runtime_error when the report can't be written

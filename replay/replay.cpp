@@ -1,5 +1,6 @@
 #include "replay/replay.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
@@ -17,6 +18,8 @@
 #include "replay/find_tshark.h"
 #include "replay/input/capture_stream.h"
 #include "replay/output.h"
+#include "replay/page/page_file.h"
+#include "replay/page/page_report.h"
 #include "replay/progress.h"
 #include "replay/record/path_text.h"
 #include "replay/report/formatting.h"
@@ -25,7 +28,9 @@
 #include "replay/report/table_report.h"
 #include "replay/runner/in_process.h"
 #include "replay/runner/plugin.h"
+#include "replay/terminal_timeline.h"
 #include "replay/trace/profile_file.h"
+#include "replay/tshark_version.h"
 #include "sink/tshark_discovery.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -35,13 +40,28 @@ namespace {
 namespace fs = std::filesystem;
 using PLATFORM::standard_stream;
 
-/// What would be written over a capture: the report or the profile.
+/// "profile-compared.json" for "profile.json".
+fs::path compared_profile(const options& wanted) {
+    fs::path name = wanted.profile.stem();
+    name += "-compared";
+    name += wanted.profile.extension();
+    return wanted.profile.parent_path() / name;
+}
+
+/// What would be written over a capture: a report or a profile.
 void refuse_to_overwrite_captures(const options& wanted) {
-    for (const auto& source : wanted.captures) {
-        for (const auto& target : {wanted.output, wanted.profile, wanted.summary}) {
-            std::error_code missing;
-            if (fs::equivalent(source, target, missing)) {
-                throw std::runtime_error(text_of(target) + " is a capture to read, not to write");
+    std::vector<fs::path> targets{wanted.output, wanted.profile, wanted.summary, wanted.report};
+    if (!wanted.compared.empty()) {
+        targets.push_back(compared_profile(wanted));
+    }
+    for (const auto& sources : {wanted.captures, wanted.compared}) {
+        for (const auto& source : sources) {
+            for (const auto& target : targets) {
+                std::error_code missing;
+                if (fs::equivalent(source, target, missing)) {
+                    throw std::runtime_error(text_of(target) +
+                                             " is a capture to read, not to write");
+                }
             }
         }
     }
@@ -73,11 +93,24 @@ std::vector<std::unique_ptr<report>> reports_for(const options& wanted, output& 
     } else if (!wanted.quiet) {
         reports.push_back(
             std::make_unique<table_report>(out.stream(), out.takes_colour(), wanted.all, profile));
+        if (out.columns() >= terminal_timeline::least_columns) {
+            reports.push_back(std::make_unique<terminal_timeline>(out.stream(), out.columns()));
+        }
     }
     if (!wanted.summary.empty()) {
         reports.push_back(std::make_unique<summary_file>(wanted.summary, profile));
     }
     return reports;
+}
+
+/// The part of a run in a page.
+std::unique_ptr<report> page_report_for(page_file& page, const std::vector<fs::path>& captures,
+                                        const std::string& tshark, const profile_file& profile) {
+    page_heading heading{.version = KIVRA_VERSION, .tshark = tshark, .captures = {}};
+    for (const auto& capture : captures) {
+        heading.captures.push_back(text_of(capture));
+    }
+    return std::make_unique<page_report>(page, std::move(heading), profile);
 }
 
 /// The records of a stream on their way through a runner into the reports.
@@ -197,32 +230,86 @@ struct described_runner {
     std::string description;
 };
 
-described_runner runner_for(const options& wanted, const fs::path& directory,
-                            const fs::path& tshark) {
+described_runner runner_for(const options& wanted, const fs::path& profile,
+                            const fs::path& directory, const fs::path& tshark) {
     if (wanted.plugin.empty()) {
-        return {std::make_unique<in_process>(tshark, wanted.profile),
+        return {std::make_unique<in_process>(tshark, profile),
                 "one tshark in " + text_of(directory) + " for all records"};
     }
     const auto loaded = std::make_shared<const plugin>(wanted.plugin);
     const auto description = loaded->describe();
-    return {
-        std::make_unique<plugin_sink>(loaded, directory, tshark, wanted.profile, wanted.session),
-        text_of(wanted.plugin) + ' ' + description.version +
-            (wanted.session ? ", one tshark in " : ", tshark in ") + text_of(directory)};
+    return {std::make_unique<plugin_sink>(loaded, directory, tshark, profile, wanted.session),
+            text_of(wanted.plugin) + ' ' + description.version +
+                (wanted.session ? ", one tshark in " : ", tshark in ") + text_of(directory)};
 }
+
+/// Captures that are one stream, with their profile and what runs them.
+class capture_group {
+  public:
+    /// @param wanted outlives the object
+    capture_group(const options& wanted, const fs::path& profile, const fs::path& directory,
+                  const fs::path& tshark)
+        : wanted_(wanted),
+          tshark_(tshark),
+          profile_(profile),
+          runner_(runner_for(wanted, profile, directory, tshark)) {}
+
+    const profile_file& profile() const { return profile_; }
+
+    void open(const std::vector<fs::path>& captures, output& out,
+              std::vector<std::unique_ptr<report>> reports) {
+        run_.emplace(wanted_, out, std::move(reports), *runner_.runner);
+        records_.emplace(captures, tshark_, wanted_.extraction, [this] { run_->catch_up(); });
+    }
+
+    /// Of what was opened.
+    exit_status run() { return run_->run(runner_.description, *records_); }
+
+  private:
+    const options& wanted_;
+    fs::path tshark_;
+    profile_file profile_;
+    described_runner runner_;
+    std::optional<replay_run> run_;
+    std::optional<capture_stream> records_;
+};
 
 }  // namespace
 
 exit_status replay(const options& wanted) {
     refuse_to_overwrite_captures(wanted);
-    const profile_file profile(wanted.profile);
     const auto directory = tshark_directory(wanted);
     const auto tshark = tshark_in(directory, wanted);
-    const auto [runner, description] = runner_for(wanted, directory, tshark);
+    capture_group group(wanted, wanted.profile, directory, tshark);
+    std::optional<capture_group> compared;
+    if (!wanted.compared.empty()) {
+        compared.emplace(wanted, compared_profile(wanted), directory, tshark);
+    }
     output out(wanted.output);
-    replay_run run(wanted, out, reports_for(wanted, out, profile), *runner);
-    capture_stream records(wanted.captures, tshark, wanted.extraction, [&run] { run.catch_up(); });
-    return run.run(description, records);
+    auto reports = reports_for(wanted, out, group.profile());
+    std::vector<std::unique_ptr<report>> reports_beside;
+    std::optional<page_file> page;
+    if (!wanted.report.empty()) {
+        page.emplace(wanted.report);
+        const auto version = tshark_version(tshark);
+        reports.push_back(page_report_for(*page, wanted.captures, version, group.profile()));
+        if (compared) {
+            reports_beside.push_back(
+                page_report_for(*page, wanted.compared, version, compared->profile()));
+        }
+    }
+    group.open(wanted.captures, out, std::move(reports));
+    if (compared) {
+        compared->open(wanted.compared, out, std::move(reports_beside));
+    }
+    auto status = group.run();
+    if (compared) {
+        status = std::max(status, compared->run());
+    }
+    if (page) {
+        page->finish();
+    }
+    return status;
 }
 
 void print_error(std::string_view message) {

@@ -2,6 +2,7 @@
 /// the signals that end it. For one program a process; not thread-safe but for `interrupted`.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -23,6 +24,10 @@ void prepare_standard_streams();
 
 /// Whether the stream is a terminal that does what control sequences say.
 bool is_terminal(standard_stream stream);
+
+/// How many characters fit on a line of the terminal that the standard output goes to; 0 where it
+/// goes elsewhere, or nothing is known of the terminal.
+std::size_t output_columns();
 
 /// Whether a failed write to the standard output, which has left this in errno, means that nobody
 /// reads it any more.

@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -41,6 +42,11 @@ int descriptor_of(standard_stream stream) {
 
 bool is_terminal(standard_stream stream) {
     return isatty(descriptor_of(stream)) != 0;
+}
+
+std::size_t output_columns() {
+    winsize size{};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 std::vector<std::string> utf8_arguments(int count, char** arguments) {

@@ -85,6 +85,14 @@ bool is_terminal(standard_stream stream) {
            SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
+std::size_t output_columns() {
+    CONSOLE_SCREEN_BUFFER_INFO screen{};
+    if (!GetConsoleScreenBufferInfo(handle_of(standard_stream::output), &screen)) {
+        return 0;
+    }
+    return static_cast<std::size_t>(screen.srWindow.Right - screen.srWindow.Left + 1);
+}
+
 /// The runtime has no number of its own for ERROR_NO_DATA, which is what a pipe says.
 bool tells_of_missing_reader(int error) {
     return error == EPIPE ||

@@ -25,6 +25,8 @@ struct nas_fields {
     std::optional<unsigned> esm_type;
     std::optional<unsigned> emm_cause;
     std::optional<unsigned> esm_cause;
+    std::optional<unsigned> uplink_detach_type;
+    std::optional<unsigned> downlink_detach_type;
     bool is_ciphered = false;
 };
 
@@ -54,12 +56,14 @@ struct wanted_field {
     std::optional<unsigned> nas_fields::*place;
 };
 
-constexpr std::array<wanted_field, 5> wanted_fields{{
+constexpr std::array<wanted_field, 7> wanted_fields{{
     {"security_header_type", &nas_fields::security_header},
     {"nas_msg_emm_type", &nas_fields::emm_type},
     {"nas_msg_esm_type", &nas_fields::esm_type},
     {"emm.cause", &nas_fields::emm_cause},
     {"esm.cause", &nas_fields::esm_cause},
+    {"emm.detach_type_ul", &nas_fields::uplink_detach_type},
+    {"emm.detach_type_dl", &nas_fields::downlink_detach_type},
 }};
 
 void collect(const json& tree, nas_fields& fields, int levels) {
@@ -126,6 +130,28 @@ std::string name_of(const nas_fields& fields) {
     return fields.is_ciphered ? "Ciphered NAS message" : "";
 }
 
+message_direction direction_in(std::span<const nas_message> messages, unsigned type) {
+    const auto found = std::ranges::find(messages, type, &nas_message::type);
+    return found == messages.end() ? message_direction::unknown : found->direction;
+}
+
+message_direction direction_of(const nas_fields& fields) {
+    if (fields.uplink_detach_type) {
+        return message_direction::uplink;
+    }
+    if (fields.downlink_detach_type) {
+        return message_direction::downlink;
+    }
+    if (fields.emm_type) {
+        return direction_in(emm_messages, *fields.emm_type);
+    }
+    if (fields.security_header.value_or(0) >= service_request) {
+        return message_direction::uplink;
+    }
+    return fields.esm_type ? direction_in(esm_messages, *fields.esm_type)
+                           : message_direction::unknown;
+}
+
 }  // namespace
 
 message_description describe_nas_message(const json& layer) {
@@ -134,6 +160,7 @@ message_description describe_nas_message(const json& layer) {
     collect(layer, fields, levels_to_fields);
     message_description description{.name = name_of(fields), .is_ciphered = fields.is_ciphered};
     description.kind = kind_of(description.name);
+    description.direction = direction_of(fields);
     if (fields.esm_type) {
         const auto inner = name_in(esm_messages, "ESM", *fields.esm_type);
         if (description.name.empty()) {

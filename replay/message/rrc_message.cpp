@@ -205,6 +205,15 @@ bool changes_connection(std::string_view message) {
     return message.starts_with("rrc") || message.starts_with("mobility");
 }
 
+/// Of a channel of the Uu interface; those of sidelinks go between modems.
+message_direction direction_of(const rrc_channel& channel) {
+    if (channel.name.starts_with("SBCCH")) {
+        return message_direction::unknown;
+    }
+    return channel.name.starts_with("UL-") ? message_direction::uplink
+                                           : message_direction::downlink;
+}
+
 }  // namespace
 
 message_description describe_rrc_message(const json& layer) {
@@ -213,7 +222,8 @@ message_description describe_rrc_message(const json& layer) {
         if (channel == nullptr) {
             continue;
         }
-        message_description description{.name = std::string(channel->name)};
+        message_description description{.name = std::string(channel->name),
+                                        .direction = direction_of(*channel)};
         if (channel->name.starts_with("BCCH-BCH")) {
             // It carries nothing else, and its message has no name of its own there.
             description.name += ", MasterInformationBlock";

@@ -29,6 +29,14 @@ enum class message_event {
     content,
 };
 
+/// Who sends a message.
+enum class message_direction {
+    /// The message does not tell: it is ciphered, or both send it.
+    unknown,
+    uplink,
+    downlink,
+};
+
 /// Why the network rejects.
 struct message_cause {
     /// "EMM cause" or "ESM cause".
@@ -43,6 +51,7 @@ struct message_description {
     std::string name = {};
     message_kind kind = message_kind::other;
     message_event event = message_event::none;
+    message_direction direction = message_direction::unknown;
     /// Why the modem asks for a connection, such as "mo-Data"; empty where nothing says it.
     std::string connection_cause = {};
     std::vector<message_cause> causes = {};

@@ -63,6 +63,12 @@ class connection_log {
     /// The first thousand, for reports that show them.
     const std::vector<connection>& connections() const { return connections_; }
 
+    /// The one that ended last; nothing before the first end.
+    const std::optional<connection>& last() const { return last_; }
+
+    /// The one that goes on.
+    const std::optional<connection>& current() const { return open_; }
+
     /// From request to release.
     const duration_statistics& connected() const { return connected_; }
 

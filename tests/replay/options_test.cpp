@@ -26,6 +26,7 @@ TEST(command_line, needs_only_a_capture) {
     EXPECT_EQ(wanted.profile, "kivra-profile.json");
     EXPECT_EQ(wanted.plugin, "");
     EXPECT_EQ(wanted.tshark_directory, "");
+    EXPECT_EQ(wanted.report, "");
     EXPECT_EQ(wanted.output, "");
     EXPECT_FALSE(wanted.session);
     EXPECT_FALSE(wanted.json);
@@ -33,9 +34,11 @@ TEST(command_line, needs_only_a_capture) {
 }
 
 TEST(command_line, takes_all_options_and_captures_in_any_order) {
-    const auto wanted = std::get<options>(
-        read({"first file.pcap", "--plugin", "p.so", "--session", "--tshark-directory=/t s",
-              "--json", "--quiet", "--output", "o.txt", "--profile", "out.json", "b.pcapng"}));
+    const auto wanted =
+        std::get<options>(read({"first file.pcap", "--plugin", "p.so", "--session",
+                                "--tshark-directory=/t s", "--json", "--quiet", "--output", "o.txt",
+                                "--profile", "out.json", "--report", "r.html", "b.pcapng"}));
+    EXPECT_EQ(wanted.report, "r.html");
     EXPECT_THAT(wanted.captures, ElementsAre("first file.pcap", "b.pcapng"));
     EXPECT_EQ(wanted.plugin, "p.so");
     EXPECT_TRUE(wanted.session);
@@ -87,6 +90,32 @@ TEST(command_line, asks_for_help) {
               HasSubstr("kivra-profile.json"), HasSubstr("Exit status:")));
 }
 
+TEST(command_line, has_a_page_in_a_file_only) {
+    EXPECT_THAT(
+        [] {
+            read({"a.pcap", "--report", "-"});
+        },
+        ThrowsMessage<std::runtime_error>(
+            AllOf(HasSubstr("--report"), HasSubstr("must be a file"))));
+}
+
+TEST(command_line, compares_in_a_page) {
+    const auto wanted = std::get<options>(
+        read({"--report", "r.html", "--compare", "b1.pcap", "a.pcap", "--compare", "b2.pcap"}));
+    EXPECT_THAT(wanted.captures, ElementsAre("a.pcap"));
+    EXPECT_THAT(wanted.compared, ElementsAre("b1.pcap", "b2.pcap"));
+    EXPECT_THAT(
+        [] {
+            read({"a.pcap", "--compare", "b.pcap"});
+        },
+        ThrowsMessage<std::runtime_error>(AllOf(HasSubstr("--compare"), HasSubstr("--report"))));
+    EXPECT_THAT(
+        [] {
+            read({"-", "--report", "r.html", "--compare", "-"});
+        },
+        ThrowsMessage<std::runtime_error>("the standard input can be read only once"));
+}
+
 TEST(command_line, is_wrong_without_a_capture) {
     EXPECT_THAT([] { read({}); },
                 ThrowsMessage<std::runtime_error>("CAPTURE is required (see kivra-replay --help)"));
@@ -109,7 +138,8 @@ TEST(command_line, is_wrong_with_an_option_that_lacks_its_value) {
 }
 
 TEST(command_line, is_wrong_with_an_empty_value) {
-    for (const auto* option : {"--plugin=", "--tshark-directory=", "--profile=", "--output="}) {
+    for (const auto* option :
+         {"--plugin=", "--tshark-directory=", "--profile=", "--output=", "--report="}) {
         EXPECT_THAT(
             [&] {
                 read({"a.pcap", option, ""});

@@ -341,13 +341,108 @@ TEST_F(kivra_replay, refuses_a_report_that_can_not_be_written) {
                    "can't write missing/report: No such file or directory");
 }
 
+TEST_F(kivra_replay, refuses_a_page_that_can_not_be_written) {
+    write_capture("c.pcapng", {ip_packet});
+    expect_refusal(run({"c.pcapng", "--report", "missing/page.html"}),
+                   "can't write missing/page.html: No such file or directory");
+}
+
+TEST_F(kivra_replay, ends_with_an_error_where_a_page_finds_no_room) {
+    write_capture("c.pcapng", {ip_packet});
+    const auto result = run({"c.pcapng", "-q", "--report", "/dev/full"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.error, "kivra-replay: can't write /dev/full: No space left on device\n");
+}
+
+TEST_F(kivra_replay, writes_the_same_page_whatever_else_it_writes) {
+    const auto capture = capture_file("ltem_attach_psm.pcapng");
+    EXPECT_EQ(run({"-q", "--report", "alone.html", capture}).output, "");
+    const auto plain = run({"--all", capture});
+    EXPECT_EQ(run({"--all", "--report", "table.html", capture}).output, plain.output);
+    run({"--json", "--output", "lines", "--summary", "summary", "--report", "lines.html", capture});
+    const auto page = read_file("alone.html");
+    EXPECT_THAT(page, AllOf(StartsWith("<!DOCTYPE html>"), EndsWith("</html>\n")));
+    EXPECT_EQ(read_file("table.html"), page);
+    EXPECT_EQ(read_file("lines.html"), page);
+}
+
+TEST_F(kivra_replay, writes_a_page_of_what_a_plugin_gives) {
+    const auto capture = capture_file("ltem_attach_psm.pcapng");
+    run({"-q", "--report", "in_process.html", capture});
+    run({"-q", "--report", "plugin.html", "--plugin", KIVRA_PLUGIN, "--session", capture});
+    const auto records_in = [](const std::string& page) {
+        const auto begin = page.find("class=\"records\"");
+        return page.substr(begin, page.find("class=\"summary\"") - begin);
+    };
+    EXPECT_EQ(records_in(read_file("plugin.html")), records_in(read_file("in_process.html")));
+    EXPECT_THAT(read_file("plugin.html"), HasSubstr("kivra-tshark-sink.so 0."));
+}
+
+TEST_F(kivra_replay, compares_captures_in_a_page_alone) {
+    const auto capture = capture_file("ltem_attach_psm.pcapng");
+    const auto compared = capture_file("nbiot_attach.pcapng");
+    const auto plain = run({"--json", "--summary", "plain.json", capture});
+    const auto result = run({"--json", "--summary", "s.json", "--profile", "p.json", "--report",
+                             "r.html", capture, "--compare", compared});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(without_timing(result.output), without_timing(plain.output));
+    EXPECT_EQ(result.error, "22 records, 0 failed\n8 records, 0 failed\n");
+    EXPECT_EQ(read_json("s.json")["measured"], read_json("plain.json")["measured"]);
+    EXPECT_EQ(read_json("p.json")["idrx_int"], "2.56");
+    EXPECT_EQ(read_json("p-compared.json")["idrx_int"], "0.64");
+}
+
+TEST_F(kivra_replay, fails_where_a_compared_record_does) {
+    write_capture("lab.pcapng", {lab_network_accept()});
+    EXPECT_EQ(run({"-q", "--report", "r.html", capture_file("nbiot_attach.pcapng"), "--compare",
+                   "lab.pcapng"})
+                  .status,
+              1);
+}
+
+TEST_F(kivra_replay, refuses_a_compared_capture_that_can_not_be_opened) {
+    write_capture("c.pcapng", {ip_packet});
+    expect_refusal(run({"c.pcapng", "--report", "r.html", "--compare", "missing"}), "missing");
+}
+
+TEST_F(kivra_replay, refuses_to_write_over_a_compared_capture) {
+    write_capture("c.pcapng", {ip_packet});
+    write_capture("p-compared.json", {ip_packet});
+    expect_refusal(run({"c.pcapng", "--report", "r.html", "--profile", "p.json", "--compare",
+                        "p-compared.json"}),
+                   "p-compared.json is a capture to read, not to write");
+}
+
 TEST_F(kivra_replay, refuses_to_write_over_a_capture) {
     write_capture("c.pcapng", {ip_packet});
     const auto image = read_file("c.pcapng");
     expect_refusal(run({"c.pcapng", "--output", "./c.pcapng"}),
                    "./c.pcapng is a capture to read, not to write");
     expect_refusal(run({"c.pcapng", "--profile", scratch() / "c.pcapng"}), "not to write");
+    expect_refusal(run({"c.pcapng", "--report", "c.pcapng"}), "not to write");
     EXPECT_EQ(read_file("c.pcapng"), image);
+}
+
+TEST_F(kivra_replay, draws_a_timeline_on_a_terminal_that_has_room) {
+    const auto capture = capture_file("ltem_attach_psm.pcapng");
+    const auto on_terminal = [&capture](unsigned short columns) {
+        return run({capture}, {.output_is_terminal = true, .terminal_columns = columns}).output;
+    };
+    const std::string heading =
+        "timeline from 2025-11-24T16:00:00.000000Z to 2025-11-24T17:00:06.153500Z\r\n"
+        "    connected                   #                                              #\r\n"
+        "    idle                        ------------------------------------------------\r\n"
+        "    attach request              ^\r\n"
+        "    release                     ^                                              ^\r\n";
+    EXPECT_THAT(on_terminal(80), HasSubstr(heading));
+    EXPECT_THAT(on_terminal(79), Not(HasSubstr("timeline")));
+    EXPECT_THAT(on_terminal(0), Not(HasSubstr("timeline")));
+    EXPECT_THAT(run({capture}).output, Not(HasSubstr("timeline")));
+    EXPECT_THAT(
+        run({capture, "--output", "table"}, {.output_is_terminal = true, .terminal_columns = 80})
+            .output,
+        "");
+    EXPECT_THAT(read_file("table"), Not(HasSubstr("timeline")));
 }
 
 TEST_F(kivra_replay, is_coloured_on_a_terminal_only) {

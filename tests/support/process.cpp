@@ -52,10 +52,11 @@ stream open_pipe() {
     return {descriptor(ends[0]), descriptor(ends[1])};
 }
 
-stream open_terminal() {
+stream open_terminal(unsigned short columns) {
     int parent = -1;
     int child = -1;
-    check(openpty(&parent, &child, nullptr, nullptr, nullptr) == 0, "openpty");
+    const winsize size{.ws_row = 0, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
+    check(openpty(&parent, &child, nullptr, nullptr, &size) == 0, "openpty");
     check(fcntl(parent, F_SETFD, FD_CLOEXEC) == 0, "fcntl");
     check(fcntl(child, F_SETFD, FD_CLOEXEC) == 0, "fcntl");
     return {descriptor(parent), descriptor(child)};
@@ -69,7 +70,7 @@ stream open_file(const std::filesystem::path& file) {
 
 stream open_output(const process_setting& setting) {
     if (setting.output_is_terminal) {
-        return open_terminal();
+        return open_terminal(setting.terminal_columns);
     }
     return setting.output.empty() ? open_pipe() : open_file(setting.output);
 }
@@ -124,7 +125,8 @@ int wait_for(pid_t child) {
 process_result run_process(const std::vector<std::string>& command,
                            const process_setting& setting) {
     stream output = open_output(setting);
-    stream error = setting.error_is_terminal ? open_terminal() : open_pipe();
+    stream error =
+        setting.error_is_terminal ? open_terminal(setting.terminal_columns) : open_pipe();
     if (setting.output_has_no_reader) {
         output.parent.close();
     }

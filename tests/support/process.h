@@ -17,6 +17,8 @@ struct process_setting {
     bool output_has_no_reader = false;
     bool output_is_terminal = false;
     bool error_is_terminal = false;
+    /// Of a terminal; 0 where it says nothing of its size.
+    unsigned short terminal_columns = 0;
 };
 
 struct process_result {

@@ -54,6 +54,29 @@ TEST(nas_messages, of_unknown_types_are_named_by_their_numbers) {
     EXPECT_EQ(name_of({{"nas_eps.nas_msg_esm_type", "0xff"}}), "ESM message type 255");
 }
 
+message_direction direction_of(const json& layer) {
+    return describe_nas_message(layer).direction;
+}
+
+TEST(nas_messages, tell_who_sends_them) {
+    EXPECT_EQ(direction_of({{"nas_eps.nas_msg_emm_type", "0x41"}}), message_direction::uplink);
+    EXPECT_EQ(direction_of({{"nas_eps.nas_msg_emm_type", "0x42"}}), message_direction::downlink);
+    EXPECT_EQ(direction_of({{"nas_eps.nas_msg_esm_type", "0xd0"}}), message_direction::uplink);
+    EXPECT_EQ(direction_of({{"nas_eps.nas_msg_esm_type", "0xd9"}}), message_direction::downlink);
+    EXPECT_EQ(direction_of({{"nas_eps.security_header_type", "12"}}), message_direction::uplink);
+    // Both sides send one.
+    EXPECT_EQ(direction_of({{"nas_eps.nas_msg_emm_type", "0x60"}}), message_direction::unknown);
+    EXPECT_EQ(direction_of({}), message_direction::unknown);
+}
+
+TEST(nas_messages, tell_who_detaches) {
+    const auto request = [](const char* field) {
+        return json{{"nas_eps.nas_msg_emm_type", "0x45"}, {field, "1"}};
+    };
+    EXPECT_EQ(direction_of(request("nas_eps.emm.detach_type_ul")), message_direction::uplink);
+    EXPECT_EQ(direction_of(request("nas-eps.emm.detach_type_dl")), message_direction::downlink);
+}
+
 TEST(nas_messages, without_a_type_may_be_service_requests) {
     EXPECT_EQ(name_of({{"nas_eps.security_header_type", "12"}}), "Service request");
     EXPECT_EQ(name_of({{"nas_eps.security_header_type", "15"}}), "Service request");

@@ -45,6 +45,17 @@ TEST(rrc_messages, are_named_by_channel_and_type) {
     EXPECT_EQ(name_of("DL_DCCH_Message", "securityModeCommand"), "DL-DCCH, SecurityModeCommand");
 }
 
+TEST(rrc_messages, tell_who_sends_them) {
+    const auto direction = [](const char* channel) {
+        return describe_rrc_message(layer_of(channel, "message")).direction;
+    };
+    EXPECT_EQ(direction("UL_DCCH_Message"), message_direction::uplink);
+    EXPECT_EQ(direction("UL_CCCH_Message_NB"), message_direction::uplink);
+    EXPECT_EQ(direction("PCCH_Message"), message_direction::downlink);
+    EXPECT_EQ(direction("BCCH_DL_SCH_Message"), message_direction::downlink);
+    EXPECT_EQ(direction("SBCCH_SL_BCH_Message"), message_direction::unknown);
+}
+
 TEST(rrc_messages, have_names_that_begin_with_capitals) {
     EXPECT_EQ(name_of("UL_CCCH_Message", "rrcConnectionRequest"), "UL-CCCH, RRCConnectionRequest");
     EXPECT_EQ(name_of("UL_DCCH_Message", "ulInformationTransfer"),

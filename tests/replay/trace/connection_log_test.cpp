@@ -57,6 +57,18 @@ class connection_logs : public testing::Test {
     std::uint64_t number_ = 0;
 };
 
+TEST_F(connection_logs, know_the_connection_that_goes_on_and_the_last_that_ended) {
+    EXPECT_FALSE(log().current());
+    EXPECT_FALSE(log().last());
+    add(1, event::connection_request, "mo-Data");
+    ASSERT_TRUE(log().current());
+    EXPECT_EQ(log().current()->first_record, 1U);
+    add(5, event::connection_end);
+    EXPECT_FALSE(log().current());
+    ASSERT_TRUE(log().last());
+    EXPECT_EQ(log().last()->last_record, 2U);
+}
+
 TEST_F(connection_logs, of_nothing_have_nothing) {
     EXPECT_THAT(log().connections(), IsEmpty());
     EXPECT_EQ(log().connected().count(), 0U);

@@ -1,0 +1,52 @@
+#include "replay/page/page_file.h"
+
+#include <cerrno>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "replay/page/embedded_page.h"
+#include "replay/record/path_text.h"
+
+namespace KIVRA::TSHARK::REPLAY {
+
+page_file::page_file(std::filesystem::path file)
+    : path_(std::move(file)), file_(path_, std::ios::binary | std::ios::trunc) {
+    if (!file_.is_open()) {
+        fail();
+    }
+    write(page_head());
+}
+
+void page_file::write(std::string_view text) {
+    errno = 0;
+    if (!file_.write(text.data(), static_cast<std::streamsize>(text.size()))) {
+        fail();
+    }
+}
+
+void page_file::begin_block(std::string_view name) {
+    write(R"(<script type="application/json" class=")");
+    write(name);
+    write("\">");
+}
+
+void page_file::end_block() {
+    write("</script>\n");
+}
+
+void page_file::finish() {
+    write(page_tail());
+    errno = 0;
+    if (!file_.flush()) {
+        fail();
+    }
+}
+
+void page_file::fail() const {
+    throw std::runtime_error("can't write " + text_of(path_) +
+                             (errno == 0 ? "" : ": " + std::generic_category().message(errno)));
+}
+
+}  // namespace KIVRA::TSHARK::REPLAY

@@ -1,0 +1,34 @@
+/// The file of a report as a web page. It holds all that it needs: data, style and scripts.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+
+namespace KIVRA::TSHARK::REPLAY {
+
+class page_file {
+  public:
+    /// @param file created or overwritten; gets the page's beginning
+    /// @throws std::runtime_error when it can't be written
+    explicit page_file(std::filesystem::path file);
+
+    /// @throws std::runtime_error when it can't be written
+    void write(std::string_view text);
+
+    /// Begins and ends a block of data, which scripts find by its name.
+    void begin_block(std::string_view name);
+    void end_block();
+
+    /// Writes the page's end, behind all data.
+    /// @throws std::runtime_error when it can't be written
+    void finish();
+
+  private:
+    [[noreturn]] void fail() const;
+
+    std::filesystem::path path_;
+    std::ofstream file_;
+};
+
+}  // namespace KIVRA::TSHARK::REPLAY
