@@ -98,17 +98,20 @@ void add_run_options(CLI::App& app, command_line& line) {
 }
 
 void add_extraction_options(CLI::App& app, command_line& line) {
+    // One value each time: the captures behind it are none.
     app.add_option("--user-dlt", line.user_link_types,
                    "What a link type for private use (147 to 162) holds, by\n"
                    "the dissector's name, as 149=mac-lte-framed; repeatable")
         ->type_name("N=PROTOCOL")
         ->expected(1)
+        ->allow_extra_args(false)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.add_option("--tshark-option", line.tshark_options,
                    "A further argument for the tshark that reads captures,\n"
                    "as it stands; repeatable")
         ->type_name("ARGUMENT")
         ->expected(1)
+        ->allow_extra_args(false)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 

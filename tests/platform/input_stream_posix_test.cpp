@@ -158,6 +158,14 @@ TEST_F(input_streams, tell_which_of_them_are_files_of_a_disk) {
     EXPECT_FALSE(input_stream("pipe", {}).is_regular_file());
 }
 
+TEST_F(input_streams, have_the_size_that_their_file_has_by_now) {
+    write_file("file", "one");
+    const input_stream source("file", {});
+    EXPECT_EQ(source.size(), 3U);
+    write_file("file", "one two");
+    EXPECT_EQ(source.size(), 7U);
+}
+
 TEST_F(input_streams, announce_that_they_wait_when_nothing_is_in_memory) {
     named_pipe pipe;
     int waits = 0;

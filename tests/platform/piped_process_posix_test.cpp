@@ -156,6 +156,26 @@ TEST_F(piped_processes_on_posix, end_with_what_they_have_started) {
     EXPECT_TRUE(WIFSIGNALED(status));
 }
 
+TEST_F(piped_processes_on_posix, end_also_outside_of_the_group_that_was_made_for_them) {
+    const auto script = R"(
+import os, signal
+os.setpgid(0, os.getpgid(os.getppid()))
+print(os.getpgid(0), flush=True)
+signal.pause())";
+    std::optional<piped_process> process(std::in_place, "/usr/bin/python3",
+                                         std::vector<std::string>{"-c", script});
+    EXPECT_EQ(std::stoi(read_line(*process)), ::getpgrp());
+    process.reset();
+    expect_no_children();
+}
+
+TEST_F(piped_processes_on_posix, end_whatever_signals_they_ignore) {
+    auto process = start_script("trap '' HUP INT TERM; echo ready; exec sleep inf");
+    EXPECT_EQ(read_line(*process), "ready");
+    process.reset();
+    expect_no_children();
+}
+
 TEST_F(piped_processes_on_posix, serve_a_host_without_standard_streams) {
     for (unsigned int closed = 1; closed < 8; ++closed) {
         in_child([&] {

@@ -49,6 +49,17 @@ TEST(command_line, takes_all_options_and_captures_in_any_order) {
     EXPECT_TRUE(wanted.quiet);
 }
 
+TEST(command_line, takes_captures_behind_an_option_that_may_be_repeated) {
+    const auto wanted = std::get<options>(
+        read({"--user-dlt", "149=a", "1", "2", "--user-dlt=150=b", "3", "4", "--tshark-option",
+              "-n", "5", "6", "--tshark-option=-l", "7", "8"}));
+    EXPECT_THAT(wanted.captures, ElementsAre("1", "2", "3", "4", "5", "6", "7", "8"));
+    EXPECT_THAT(wanted.extraction.tshark_options, ElementsAre("-n", "-l"));
+    ASSERT_EQ(wanted.extraction.user_link_types.size(), 2U);
+    EXPECT_EQ(wanted.extraction.user_link_types[0].number, 149);
+    EXPECT_EQ(wanted.extraction.user_link_types[1].number, 150);
+}
+
 TEST(command_line, takes_short_forms) {
     const auto wanted = std::get<options>(read({"-q", "-o", "o.txt", "a.pcapng"}));
     EXPECT_TRUE(wanted.quiet);

@@ -180,6 +180,14 @@ TEST_F(kivra_replay, takes_several_captures_for_one_stream) {
     EXPECT_THAT(result.output, HasSubstr("message\n" + record(1) + record(2) + record(3) + "\n"));
 }
 
+TEST_F(kivra_replay, shows_records_once_that_come_before_what_needs_another_look) {
+    const std::string gsmtap = sample_capture("nbiot_attach/gsmtap_ethernet.pcap");
+    const std::string s1ap = sample_capture("nbiot_attach/s1ap_ethernet.pcap");
+    constexpr std::size_t head = 24;
+    write_file("c.pcap", read_file(gsmtap) + read_file(s1ap).substr(head));
+    EXPECT_EQ(run({"--json", "c.pcap"}).output, run({"--json", gsmtap, s1ap}).output);
+}
+
 TEST_F(kivra_replay, reads_the_standard_input) {
     write_capture("c.pcapng", {ip_packet});
     const auto result = run({"-"}, {.input = "c.pcapng"});

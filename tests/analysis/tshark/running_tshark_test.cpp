@@ -46,11 +46,11 @@ TEST_F(running_tsharks, get_what_was_sent_ahead_again_after_one_has_ended) {
     for (std::uint8_t cause = 1; cause <= 4; ++cause) {
         source_.send_ahead(context_, packet(cause));
     }
-    EXPECT_THAT(dissect(1), HasSubstr(R"("nas_eps.emm.cause": "1")"));
+    // It has printed nothing yet.
     for (const auto process : TESTING::children()) {
         TESTING::kill_process(process);
     }
-    for (std::uint8_t cause = 2; cause <= 4; ++cause) {
+    for (std::uint8_t cause = 1; cause <= 4; ++cause) {
         EXPECT_THAT(dissect(cause),
                     HasSubstr(R"("nas_eps.emm.cause": ")" + std::to_string(cause) + R"(")"));
     }

@@ -1,5 +1,9 @@
 #include "replay/input/capture_stream.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <string>
 #include <vector>
 
@@ -72,11 +76,31 @@ TEST_F(capture_streams, tell_of_a_capture_without_a_record_and_go_on_behind_it) 
     EXPECT_FALSE(stream.next());
 }
 
+TEST_F(capture_streams, tell_of_a_capture_without_a_record_behind_one_that_has_some) {
+    write_file("1", image_of({"nas-eps"}));
+    write_file("2", image_of({}));
+    capture_stream stream(paths{"1", "2"}, no_tshark);
+    EXPECT_EQ(stream.next()->format, "nas-eps");
+    EXPECT_THAT([&] { stream.next(); },
+                ThrowsMessage<no_records>("2: 0 packets; no LTE RRC or NAS"));
+    EXPECT_FALSE(stream.next());
+}
+
 TEST_F(capture_streams, have_the_size_of_all_captures) {
     write_file("1", image_of({"nas-eps"}));
     write_file("2", image_of({"ip", "nas-eps"}));
     EXPECT_EQ(capture_stream(paths{"1", "2"}, no_tshark).size(),
               image_of({"nas-eps"}).size() + image_of({"ip", "nas-eps"}).size());
+}
+
+TEST_F(capture_streams, have_no_size_where_a_capture_has_none) {
+    write_file("1", image_of({"nas-eps"}));
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    const int writer = open("pipe", O_RDWR | O_CLOEXEC);
+    const auto image = image_of({"ip"});
+    ASSERT_EQ(write(writer, image.data(), image.size()), static_cast<ssize_t>(image.size()));
+    EXPECT_EQ(capture_stream(paths{"1", "pipe"}, no_tshark).size(), 0U);
+    close(writer);
 }
 
 TEST_F(capture_streams, tell_of_a_capture_that_can_not_be_opened) {

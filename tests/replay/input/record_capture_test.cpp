@@ -107,6 +107,7 @@ TEST_F(record_captures, find_records_in_raw_ip) {
 TEST_F(record_captures, find_none_in_raw_ip_with_signalling) {
     EXPECT_FALSE(file_holds_records(
         capture_image(raw_ip_link_type, {{router_advertisement()}, {ipv4(tcp)}, {ipv4(sctp)}})));
+    EXPECT_FALSE(file_holds_records(capture_image(raw_ip_link_type, {{ipv4(sctp)}, {ipv4(tcp)}})));
 }
 
 TEST_F(record_captures, find_none_in_other_link_types) {

@@ -59,6 +59,18 @@ TEST(json_lines, tell_of_a_malformed_message) {
               "\n");
 }
 
+TEST(json_lines, hold_every_setting_and_mark_what_is_not_known) {
+    EXPECT_EQ(json_line(8, nas_record,
+                        {.settings = {{"T3324", "10", "s", setting_role::granted, "24.008"},
+                                      {"nB", "9", "", setting_role::broadcast, "36.331", false}}}),
+              R"({"number":8,"time":"2025-11-24T16:00:00.000000Z","format":"nas-eps",)"
+              R"("result":null,"settings":[)"
+              R"({"name":"T3324","value":"10","unit":"s","role":"granted","clause":"24.008"},)"
+              R"({"name":"nB","value":"9","unit":"","role":"broadcast","clause":"36.331",)"
+              R"("known":false}],"log":[]})"
+              "\n");
+}
+
 TEST(json_lines, replace_what_is_no_utf_8) {
     EXPECT_EQ(json_line(1, {.timestamp = 0, .format = "a\xff", .payload = {}, .failure = {}}, {}),
               "{\"number\":1,\"time\":\"1970-01-01T00:00:00.000000Z\",\"format\":\"a\xef\xbf\xbd\","

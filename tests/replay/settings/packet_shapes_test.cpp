@@ -155,8 +155,13 @@ TEST(values_that_the_tables_do_not_know, are_raw_and_marked) {
     EXPECT_THAT(accept_with(R"("GPRS Timer 2 - T3324 value": {"gsm_a.gm.gmm.gprs_timer2_tree": {
                     "gsm_a.gm.gmm.gprs_timer2_unit": "8", "gsm_a.gm.gmm.gprs_timer2_value": "1"}})"),
                 ElementsAre("granted T3324: 8 1 ?"));
+    EXPECT_THAT(accept_with(R"("GPRS Timer 2 - T3324 value": {"gsm_a.gm.gmm.gprs_timer2_tree": {
+                    "gsm_a.gm.gmm.gprs_timer2_unit": "1", "gsm_a.gm.gmm.gprs_timer2_value": "32"}})"),
+                ElementsAre("granted T3324: 1 32 ?"));
     EXPECT_THAT(accept_with(R"("e212.tai.mcc": "x", "e212.tai.mnc": "1000")"),
                 ElementsAre("granted operator: 00x/1000"));
+    EXPECT_THAT(accept_with(R"("e212.tai.mcc": "x", "e212.tai.mnc": "1")"),
+                ElementsAre("granted operator: 00x/01"));
 }
 
 TEST(choices_of_setup_and_release, have_either_name_for_their_value) {

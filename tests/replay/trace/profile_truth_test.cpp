@@ -173,5 +173,14 @@ TEST_F(profile_truths, are_not_known_among_changes_that_were_not_kept) {
     EXPECT_EQ(beside("idrx_int", "1", 200).truth, "default paging cycle 200 s");
 }
 
+TEST_F(profile_truths, are_known_where_all_changes_were_kept) {
+    for (std::uint64_t record = 1; record <= 101; ++record) {
+        tell(10 * record,
+             {told("default paging cycle", std::to_string(record), "s", role::broadcast)});
+    }
+    EXPECT_EQ(beside("idrx_int", "1", 1'005).truth, "default paging cycle 100 s");
+    EXPECT_EQ(beside("idrx_int", "1", 1'010).truth, "default paging cycle 101 s");
+}
+
 }  // namespace
 }  // namespace KIVRA::TSHARK::REPLAY

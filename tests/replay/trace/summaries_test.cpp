@@ -109,6 +109,16 @@ TEST_F(summaries, of_failures_follow_the_schema) {
     EXPECT_EQ(summary["measured"]["end"], "300000000000000000 us");
 }
 
+TEST_F(summaries, count_what_could_not_be_read) {
+    const auto ciphered = sample_capture("messages/nas_ciphered.pcapng");
+    run_replay({"-q", "--summary", "summary.json", "--user-dlt=149=mac-lte-framed", ciphered,
+                ciphered, ciphered, sample_capture("messages/nas_malformed.pcapng"),
+                sample_capture("messages/rrc_malformed.pcapng"),
+                sample_capture("messages/rrc_ciphered_mac_lte.pcap")});
+    EXPECT_EQ(read_json("summary.json")["unreadable"],
+              json({{"malformed", 2}, {"ciphered_nas", 3}, {"encrypted_rrc_packets", 1}}));
+}
+
 TEST_F(summaries, of_values_that_are_not_known_follow_the_schema) {
     // A tracking area update request with eDRX, without a word on the radio access.
     constexpr std::string_view request{
