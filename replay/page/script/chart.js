@@ -196,7 +196,9 @@ class Chart {
       const [begin, end] = [position(from), position(to)];
       context.fillStyle = this.palette.panel;
       context.fillRect(begin, top, end - begin, height);
-      const text = `\u22ef ${durationText(Math.round(to - from)).replace(/^.*\((.*)\)$/, "$1")} \u22ef`;
+      const steps = to - from < 10 ? 10 : 1;
+      const length = Math.round((to - from) * steps) / steps;
+      const text = `\u22ef ${durationText(length).replace(/^.*\((.*)\)$/, "$1")} \u22ef`;
       if (end - begin > context.measureText(text).width) {
         context.fillStyle = this.palette.muted;
         context.fillText(text, (begin + end) / 2, top + QUIET_HEIGHT / 2 * ratio);
