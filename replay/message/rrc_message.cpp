@@ -146,10 +146,12 @@ message_event event_of(std::string_view message, const rrc_channel& channel) {
                                                                : message_event::content;
 }
 
-/// 3GPP TS 36.331, 6.2.2: EstablishmentCause and ResumeCause, which begin alike.
-constexpr std::array<std::string_view, 8> causes{
+/// 3GPP TS 36.331, 6.2.2: ResumeCause, and EstablishmentCause, which lacks the last one.
+constexpr std::array<std::string_view, 8> resume_causes{
     "emergency", "highPriorityAccess",  "mt-Access",    "mo-Signalling",
     "mo-Data",   "delayTolerantAccess", "mo-VoiceCall", "mt-EDT"};
+constexpr auto establishment_causes =
+    std::span<const std::string_view>(resume_causes).first(resume_causes.size() - 1);
 
 /// 3GPP TS 36.331, 6.7.2: EstablishmentCause-NB.
 constexpr std::array<std::string_view, 6> narrowband_causes{
@@ -166,7 +168,10 @@ std::span<const std::string_view> cause_names(std::string_view field, const rrc_
         return is_narrowband ? std::span<const std::string_view>(narrowband_early_data_causes)
                              : early_data_causes;
     }
-    return is_narrowband ? std::span<const std::string_view>(narrowband_causes) : causes;
+    if (is_narrowband) {
+        return narrowband_causes;
+    }
+    return field.starts_with("resumeCause") ? resume_causes : establishment_causes;
 }
 
 /// The cause by its number in the dissection; empty for a number without a name.

@@ -13,6 +13,8 @@ namespace {
 /// 9999-12-31T23:59:59.999999Z.
 constexpr std::uint64_t last_iso_8601_time = 253'402'300'799'999'999;
 
+constexpr std::size_t line_width = 80;
+
 }  // namespace
 
 std::string iso_8601(std::uint64_t timestamp) {
@@ -47,17 +49,39 @@ std::string printable(std::string_view text) {
     return result;
 }
 
-void print_wrapped(std::ostream& out, std::string_view text, std::string_view line_start) {
-    constexpr std::size_t line_width = 80;
+std::size_t columns_of(std::string_view text) {
+    constexpr unsigned char mark = 0xc0;
+    constexpr unsigned char continuation = 0x80;
+    return static_cast<std::size_t>(std::ranges::count_if(
+        text, [](char c) { return (static_cast<unsigned char>(c) & mark) != continuation; }));
+}
+
+void print_wrapped(std::ostream& out, std::string_view text, std::size_t column,
+                   std::string_view line_start) {
     while (!text.empty()) {
-        const auto width = line_width - line_start.size();
-        auto end = text.size();
-        if (end > width) {
-            const auto blank = text.rfind(' ', width);
-            end = blank == std::string_view::npos ? std::min(text.find(' '), end) : blank;
+        // To the last blank that leaves the line within its width; a word that is longer stays
+        // whole.
+        auto end = text.find(' ');
+        for (auto next = end; next != std::string_view::npos;) {
+            next = text.find(' ', next + 1);
+            if (column + columns_of(text.substr(0, next)) > line_width) {
+                break;
+            }
+            end = next;
         }
-        out << line_start << text.substr(0, end) << '\n';
-        text.remove_prefix(std::min(end + 1, text.size()));
+        out << text.substr(0, end) << '\n';
+        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+        if (!text.empty()) {
+            out << line_start;
+            column = line_start.size();
+        }
+    }
+}
+
+void print_wrapped(std::ostream& out, std::string_view text, std::string_view line_start) {
+    if (!text.empty()) {
+        out << line_start;
+        print_wrapped(out, text, line_start.size(), line_start);
     }
 }
 

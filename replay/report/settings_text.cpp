@@ -26,16 +26,24 @@ constexpr int value_end = name_end + wide_value_width;
 
 constexpr double microseconds_a_second = 1'000'000;
 
+std::string blanks(int count) {
+    return std::string(static_cast<std::size_t>(count), ' ');
+}
+
 std::string shown(const setting_entry* entry) {
     return entry == nullptr ? "-" : printable(text_of(entry->last));
 }
 
-/// In its column; what is longer goes on alone, and the next column on the line below.
+/// In its column; what is longer goes on to the end of the line, and the next column is on a line
+/// below.
 /// @param end of the column, from the beginning of the line
-void print_cell(std::ostream& out, const std::string& text, int width, int end) {
-    out << std::left << std::setw(width) << text;
-    if (text.size() >= static_cast<std::size_t>(width)) {
-        out << '\n' << std::setw(end) << "";
+void print_cell(std::ostream& out, std::string_view text, int width, int end) {
+    const auto columns = static_cast<int>(columns_of(text));
+    if (columns < width) {
+        out << text << blanks(width - columns);
+    } else {
+        print_wrapped(out, text, static_cast<std::size_t>(end - width), blanks(end - width));
+        out << blanks(end);
     }
 }
 
@@ -117,16 +125,16 @@ void print_durations(std::ostream& out, std::string_view name,
     if (durations.count() == 0) {
         return;
     }
-    out << indent;
-    print_cell(out, std::string(name), name_width, name_end);
-    out << durations.count() << " x";
+    std::string text = std::to_string(durations.count()) + " x";
     if (durations.count() == 1) {
-        out << ' ' << seconds_text(durations.greatest()) << '\n';
-        return;
+        text += ' ' + seconds_text(durations.greatest());
+    } else {
+        text += ", " + seconds_text(durations.least()) + " to " +
+                seconds_text(durations.greatest()) + ", median " + seconds_text(durations.median());
     }
-    out << ", from " << seconds_text(durations.least()) << " to "
-        << seconds_text(durations.greatest()) << ", median " << seconds_text(durations.median())
-        << '\n';
+    out << indent;
+    print_cell(out, name, name_width, name_end);
+    print_wrapped(out, text, name_end, blanks(name_end));
 }
 
 void print_measured(std::ostream& out, const connection_log& connections) {

@@ -99,17 +99,18 @@ void summary::print_values(std::ostream& out) const {
     }
     out << "\nvalues, and the records that changed them\n";
     for (const auto& [name, history] : totals_.values) {
-        out << indent << std::left << std::setw(name_width) << printable(name);
-        std::string_view separator;
+        std::string text;
         for (const auto& [record, value] : history.first) {
-            out << separator << printable(value) << " (" << in_record(record) << ')';
-            separator = ", ";
+            text += (text.empty() ? "" : ", ") + printable(value) + " (" + in_record(record) + ')';
         }
         if (history.changes > kept_changes) {
-            out << ", ... " << printable(history.last.value) << " ("
-                << in_record(history.last.record) << "; " << history.changes << " changes)";
+            text += ", ... " + printable(history.last.value) + " (" +
+                    in_record(history.last.record) + "; " + std::to_string(history.changes) +
+                    " changes)";
         }
-        out << '\n';
+        out << indent << std::left << std::setw(name_width) << printable(name);
+        print_wrapped(out, text, indent.size() + name_width,
+                      std::string(indent.size() + name_width, ' '));
     }
 }
 
@@ -119,22 +120,27 @@ void summary::print_diagnostics(std::ostream& out) const {
     }
     out << "\nfailures and log messages\n";
     for (const auto& [text, entry] : totals_.diagnostics) {
-        out << indent << entry.count << " x " << printable(text) << " (first in "
-            << in_record(entry.first_record) << ")\n";
+        print_wrapped(out,
+                      std::to_string(entry.count) + " x " + printable(text) + " (first in " +
+                          in_record(entry.first_record) + ')',
+                      indent);
         print_wrapped(out, entry.help, "        ");
     }
 }
 
 void summary::print_profile(std::ostream& out, const profile_file& profile) const {
-    out << "\nprofile " << printable(text_of(profile.path()));
+    const std::string heading = "profile " + printable(text_of(profile.path()));
+    out << '\n' << heading;
     if (profile.written()) {
         out << '\n';
         print_members(out, profile.read());
-    } else if (const auto obstacle = profile.obstacle()) {
-        out << ": not written by this run: the path can't be written (" << *obstacle << ")\n";
-    } else {
-        out << ": not written by this run: the records did not give both idrx_int and "
-               "idrx_reps\n";
+        return;
+    }
+    const auto obstacle = profile.obstacle();
+    const std::string reason = obstacle ? "the path can't be written (" + *obstacle + ")"
+                                        : "the records did not give both idrx_int and idrx_reps";
+    print_wrapped(out, ": not written by this run: " + reason, columns_of(heading), indent);
+    if (!obstacle) {
         print_wrapped(out, reason_for_no_profile(totals_), indent);
     }
 }

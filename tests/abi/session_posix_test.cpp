@@ -32,6 +32,13 @@ using testing::SizeIs;
 
 class sessions_on_posix : public TESTING::sessions {};
 
+// Below Wine, a program's console keeps its output open for as long as it runs.
+TEST_F(sessions_on_posix, that_close_their_output_and_go_on_cost_nothing) {
+    session_runs("exec >&-; exec cat >/dev/null");
+    expect_result({session_ended});
+    EXPECT_THAT(TESTING::children(), IsEmpty());
+}
+
 TEST_F(sessions_on_posix, end_when_the_host_is_killed) {
     // Whoever holds the writing end of this pipe is still there: the child, and its tshark.
     ASSERT_EQ(mkfifo("alive", 0600), 0);

@@ -111,8 +111,7 @@ TEST_F(sessions, that_write_rubbish_cost_nothing) {
 }
 
 TEST_F(sessions, that_end_at_once_cost_nothing) {
-    for (const char* script :
-         {"exit 0", "exit 1", "printf '[\n  {'", "exec >&-; exec cat >/dev/null", "kill -9 $$"}) {
+    for (const char* script : {"exit 0", "exit 1", "printf '[\n  {'", "kill -9 $$"}) {
         host_.release();
         ASSERT_EQ(init(host_, "on"), 0);
         session_runs(script);

@@ -644,7 +644,7 @@ TEST_F(kivra_replay, shows_no_profile_of_an_earlier_run) {
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output,
                 AllOf(EndsWith("\nprofile kivra-profile.json: not written by this run: the "
-                               "records did not give both idrx_int and idrx_reps\n"
+                               "records did not give\n    both idrx_int and idrx_reps\n"
                                "    Both come from system information (BCCH), of which there was "
                                "none.\n"),
                       Not(HasSubstr("5.12"))));
@@ -663,9 +663,11 @@ TEST_F(kivra_replay, says_that_the_profile_can_not_be_written) {
     write_capture("c.pcapng", {system_information("nbiot_attach.pcapng")});
     const auto result = run({"c.pcapng", "--profile", "missing/p.json"});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.output,
-                EndsWith("\nprofile missing/p.json: not written by this run: the path can't be "
-                         "written (No such file or directory)\n"));
+    EXPECT_THAT(
+        result.output,
+        EndsWith(
+            "\nprofile missing/p.json: not written by this run: the path can't be written (No\n"
+            "    such file or directory)\n"));
 }
 
 TEST_F(kivra_replay, ends_quietly_and_tidies_up_when_nobody_reads_its_output) {

@@ -117,8 +117,10 @@ TEST_F(summaries, shorten_long_histories) {
     for (int i = 1; i <= 9; ++i) {
         add_values({{"tac", std::to_string(i)}});
     }
-    EXPECT_THAT(printed(), HasSubstr("1 (record 1), 2 (record 2), 3 (record 3), 4 (record 4), "
-                                     "5 (record 5), ... 9 (record 9; 9 changes)\n"));
+    EXPECT_THAT(printed(),
+                HasSubstr("  1 (record 1), 2 (record 2), 3 (record 3), 4\n" + std::string(36, ' ') +
+                          "(record 4), 5 (record 5), ... 9 (record 9; 9\n" + std::string(36, ' ') +
+                          "changes)\n"));
 }
 
 TEST_F(summaries, count_failures_and_log_messages_and_say_what_they_mean) {
@@ -141,8 +143,8 @@ TEST_F(summaries, count_failures_and_log_messages_and_say_what_they_mean) {
 TEST_F(summaries, leave_out_what_there_is_none_of) {
     EXPECT_EQ(printed(),
               "\n0 records: 0 with a result, 0 without, 0 failed\n"
-              "\nprofile p.json: not written by this run: the records did not give both idrx_int "
-              "and idrx_reps\n"
+              "\nprofile p.json: not written by this run: the records did not give both idrx_int\n"
+              "    and idrx_reps\n"
               "    Both come from system information (BCCH), of which there was none.\n");
 }
 
@@ -195,7 +197,7 @@ TEST_F(summaries, tell_why_the_profile_can_not_be_written) {
     std::ostringstream out;
     summary().print(out, profile_file("missing/p.json"), {});
     EXPECT_THAT(out.str(), EndsWith("\nprofile missing/p.json: not written by this run: the path "
-                                    "can't be written (No such file or directory)\n"));
+                                    "can't be written (No\n    such file or directory)\n"));
 }
 
 TEST_F(summaries, spell_control_characters) {

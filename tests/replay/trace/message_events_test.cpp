@@ -88,6 +88,8 @@ TEST(connection_causes, are_those_of_requests) {
               "mt-Access");
     EXPECT_EQ(cause_of("UL_CCCH_Message", "rrcConnectionRequest", "establishmentCause", "4"),
               "mo-Data");
+    EXPECT_EQ(cause_of("UL_CCCH_Message", "rrcConnectionResumeRequest_r13", "resumeCause_r13", "7"),
+              "mt-EDT");
     EXPECT_EQ(cause_of("UL_CCCH_Message", "rrcConnectionResumeRequest_r13", "resumeCause_r13", "3"),
               "mo-Signalling");
 }
@@ -120,7 +122,7 @@ TEST(connection_causes, of_early_data_are_others) {
 }
 
 TEST(connection_causes, have_no_name_where_the_number_has_none) {
-    EXPECT_EQ(cause_of("UL_CCCH_Message", "rrcConnectionRequest", "establishmentCause", "8"), "");
+    EXPECT_EQ(cause_of("UL_CCCH_Message", "rrcConnectionRequest", "establishmentCause", "7"), "");
     EXPECT_EQ(cause_of("UL_CCCH_Message", "rrcConnectionRequest", "establishmentCause", "x"), "");
     EXPECT_EQ(described("UL_CCCH_Message", "rrcConnectionRequest").connection_cause, "");
 }

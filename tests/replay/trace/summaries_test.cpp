@@ -1,6 +1,7 @@
 // The summary that kivra-replay writes for programs, and what its records say beside it.
 #include <cstddef>
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -54,6 +55,20 @@ class summaries : public scratch_test {
 TEST_F(summaries, measure_an_hour_as_its_times_were_chosen) {
     EXPECT_EQ(summary_of(fs::path(KIVRA_HOUR) / "hour.pcapng")["measured"],
               read_json(fs::path(KIVRA_HOUR) / "hour.json"));
+}
+
+TEST_F(summaries, for_people_keep_within_80_columns) {
+    for (const fs::path& capture :
+         {capture_file("ltem_attach_psm.pcapng"), capture_file("nbiot_attach.pcapng"),
+          fs::path(KIVRA_HOUR) / "hour.pcapng"}) {
+        const auto result = run_replay({capture});
+        std::istringstream lines(result.output.substr(result.output.find("\nmessages\n")));
+        int count = 0;
+        for (std::string line; std::getline(lines, line); ++count) {
+            EXPECT_LE(line.size(), 80U) << line;
+        }
+        EXPECT_GT(count, 20) << capture;
+    }
 }
 
 TEST_F(summaries, of_an_lte_m_attach_follow_the_schema) {
