@@ -110,15 +110,23 @@ class each_run {
           program_{PLATFORM::program_file(), shared_arguments(wanted)},
           out_(wanted.output),
           progress_(shows_progress() ? &std::cerr : nullptr, size_of_all(), progress::clock::now,
-                    "capture") {}
+                    "capture") {
+        if (!wanted.table.empty()) {
+            table_.emplace(wanted.table);
+        }
+    }
 
     exit_status run() {
         const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
+        if (table_) {
+            table_->stream() << csv_line(fleet_columns());
+            table_->flush();
+        }
         run_fleet(
             {.captures = captures_.size(),
              .jobs = wanted_.jobs == 0 ? cores : wanted_.jobs,
              .run = [this](std::size_t capture, std::size_t job) { return run(capture, job); },
-             .take = [this](std::size_t capture, const fleet_row& row) { take(capture, row); },
+             .take = [this](std::size_t, const fleet_row& row) { take(row); },
              .ended = [this](std::size_t capture) { count(capture); }});
         progress_.clear();
         if (!wanted_.quiet) {
@@ -179,7 +187,11 @@ class each_run {
         progress_.draw(bytes_, ++ended_);
     }
 
-    void take(std::size_t /*number*/, const fleet_row& row) {
+    void take(const fleet_row& row) {
+        if (table_) {
+            table_->stream() << csv_line({row.begin(), row.end()});
+            table_->flush();
+        }
         const auto& status = cell_of(row, "status");
         ++statuses_[status];
         if (const auto& psm = cell_of(row, "psm"); !psm.empty()) {
@@ -240,6 +252,7 @@ class each_run {
     capture_program program_;
     scratch_folder scratch_;
     output out_;
+    std::optional<output> table_;
     progress progress_;
     std::uint64_t bytes_ = 0;
     std::size_t ended_ = 0;
@@ -254,7 +267,9 @@ exit_status replay_each(const options& wanted) {
     if (!wanted.summary.empty() || !wanted.profile.empty()) {
         refuse_same_names(captures);
     }
-    refuse_to_overwrite(captures, wanted.output);
+    for (const auto& target : {wanted.output, wanted.table}) {
+        refuse_to_overwrite(captures, target);
+    }
     return each_run(wanted, std::move(captures)).run();
 }
 

@@ -32,6 +32,7 @@ struct command_line {
     bool each = false;
     bool recursive = false;
     std::size_t jobs = 0;
+    std::string table;
     std::string output;
     std::string summary;
     std::string report;
@@ -113,6 +114,11 @@ void add_fleet_options(CLI::App& app, command_line& line) {
         ->type_name("N")
         ->check(CLI::Range(1, 1024))
         ->needs(each);
+    add_place(app, "--table", "FILE", line.table,
+              "With --each, write a table to this file, as CSV with a\n"
+              "row a capture")
+        ->check(reject_standard_output)
+        ->needs(each);
 }
 
 void add_extraction_options(CLI::App& app, command_line& line) {
@@ -189,6 +195,7 @@ options options_of(const command_line& line) {
                    .each = line.each,
                    .recursive = line.recursive,
                    .jobs = line.jobs,
+                   .table = path_of(line.table),
                    .json = line.json,
                    .all = line.all,
                    .quiet = line.quiet,

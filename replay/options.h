@@ -33,6 +33,8 @@ struct options {
     bool recursive = false;
     /// With each: how many captures at a time; 0 for as many as the machine has cores.
     std::size_t jobs = 0;
+    /// With each: where the table goes, a row a capture; empty: nowhere.
+    std::filesystem::path table;
     /// JSON Lines for programs, instead of a table for people.
     bool json = false;
     /// Every record in the table, not only those that tell something new.

@@ -145,6 +145,16 @@ TEST_F(each_capture, is_not_written_over) {
     EXPECT_EQ(read_file("lab/ltem_attach_psm.pcapng"), image);
 }
 
+TEST_F(each_capture, is_a_row_of_the_table_that_is_not_written_over_a_capture) {
+    EXPECT_EQ(run_each({"lab", "-q", "--table", "lab.csv"}).status, 0);
+    EXPECT_THAT(
+        read_file("lab.csv"),
+        AllOf(StartsWith("capture,status,error,begin,"),
+              HasSubstr("\r\nlab/ltem_attach_psm.pcapng,ok,,2025-11-24T16:00:00.000000Z,")));
+    EXPECT_EQ(run_each({"lab", "--table", "lab/ltem_attach_psm.pcapng"}).status, 2);
+    EXPECT_EQ(run_each({"lab", "--table", "missing/lab.csv"}).status, 2);
+}
+
 TEST_F(each_capture, is_not_run_without_a_tshark) {
     const auto result = run_each({"lab", "--tshark-directory", "lab"});
     EXPECT_EQ(result.status, 2);
