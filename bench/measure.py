@@ -28,6 +28,8 @@ LONG = 2_000
 # An hour at ten records a second.
 HOUR = 36_000
 LONGEST = 100_000
+# How many captures, each of so many records.
+FLEETS = ((50, 20), (20, LONG))
 
 NANOSECONDS = 1e9
 KIBIBYTE = 1 << 10
@@ -57,6 +59,9 @@ class programs:
 
     def default_run(self, file):
         return [self.replay, "--json", file]
+
+    def each_run(self, folder, jobs):
+        return [self.replay, "--each", "--jobs", jobs, "--table", "fleet.csv", folder]
 
     def plain(self, output):
         operators = ROOT / "data/operators.json"
@@ -238,6 +243,24 @@ def measure_plain(built):
     show_memory(f"peak memory of plain.py, {LONG:,} records", peak)
 
 
+def measure_fleet(built):
+    """Captures a second, by the number of jobs, and the memory of a job and of the whole."""
+    for count, records in FLEETS:
+        folder = built.scratch / f"fleet of {records}"
+        folder.mkdir()
+        capture = built.capture(records)
+        for number in range(count):
+            (folder / f"{number}.pcapng").hardlink_to(capture)
+        for jobs in 1, 2:
+            time = seconds_of(built.each_run(folder, jobs), "fleet.txt")
+            what = f"captures of {records:,} records, {jobs} at a time"
+            show(what, f"{count / time:.2f}/s", "", True)
+    job = [built.replay, "--quiet", "--summary", "summary.json", capture]
+    show_memory(f"peak memory of a job, {LONG:,} records", peak_mebibytes(job, "/dev/null"), 64)
+    peak = peak_mebibytes(built.each_run(folder, 2), "/dev/null")
+    show_memory(f"peak memory of the whole, {FLEETS[-1][0]} captures", peak, 64)
+
+
 def measure_memory(built):
     """The most memory that each way takes, tshark apart."""
     host = built.plugin_costs("data", 5, LTE_M, LARGEST_RECORD)
@@ -258,6 +281,7 @@ MEASUREMENTS = {
     "plain": measure_plain,
     "memory": measure_memory,
     "gsmtap": measure_gsmtap,
+    "fleet": measure_fleet,
     "single": measure_single,
 }
 

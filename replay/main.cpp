@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/console/console.h"
+#include "replay/each_capture.h"
 #include "replay/options.h"
 #include "replay/output.h"
 #include "replay/replay.h"
@@ -25,7 +26,8 @@ exit_status run_command_line(std::vector<std::string> arguments) {
         return all_went_through;
     }
     PLATFORM::install_interrupt_handler();
-    return replay(std::get<options>(wanted));
+    const auto& run = std::get<options>(wanted);
+    return run.each ? replay_each(run) : replay(run);
 }
 
 }  // namespace

@@ -29,12 +29,16 @@ struct command_line {
     bool json = false;
     bool all = false;
     bool quiet = false;
+    bool each = false;
+    bool recursive = false;
+    std::size_t jobs = 0;
+    std::string table;
     std::string output;
     std::string summary;
     std::string report;
     std::string plugin;
     std::string tshark_directory;
-    std::string profile = "kivra-profile.json";
+    std::string profile;
     std::vector<std::string> user_link_types;
     std::vector<std::string> tshark_options;
     std::vector<std::string> captures;
@@ -97,6 +101,26 @@ void add_run_options(CLI::App& app, command_line& line) {
               "(default: kivra-profile.json)");
 }
 
+void add_fleet_options(CLI::App& app, command_line& line) {
+    auto* const each = app.add_flag("--each", line.each,
+                                    "Run each capture as a trace of its own, and those in\n"
+                                    "folders, with a line for each. --summary and --profile\n"
+                                    "name folders then, for those of every capture");
+    app.add_flag("--recursive", line.recursive, "With --each, look into folders within folders")
+        ->needs(each);
+    app.add_option("--jobs", line.jobs,
+                   "With --each, how many captures at a time (default: as\n"
+                   "many as there are cores)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1024))
+        ->needs(each);
+    add_place(app, "--table", "FILE", line.table,
+              "With --each, write a table to this file, as CSV with a\n"
+              "row a capture")
+        ->check(reject_standard_output)
+        ->needs(each);
+}
+
 void add_extraction_options(CLI::App& app, command_line& line) {
     // One value each time: the captures behind it are none.
     app.add_option("--user-dlt", line.user_link_types,
@@ -141,17 +165,40 @@ extraction_options extraction_options_of(const command_line& line) {
     return options;
 }
 
+/// What makes no sense with --each.
+void check_fleet(const command_line& line) {
+    const auto refuse = [](bool given, const std::string& why) {
+        if (given) {
+            throw std::runtime_error(why);
+        }
+    };
+    refuse(line.json, "--json goes with one stream of records; with --each, use --summary DIR");
+    refuse(line.all, "--all goes with one stream of records, and not with --each");
+    refuse(!line.report.empty(),
+           "--report shows one stream of records; with --each there are several");
+    refuse(std::ranges::count(line.captures, "-") != 0,
+           "--each reads files and folders, and not the standard input");
+}
+
 options options_of(const command_line& line) {
+    if (line.each) {
+        check_fleet(line);
+    }
     if (std::ranges::count(line.captures, "-") + std::ranges::count(line.compared, "-") > 1) {
         throw std::runtime_error("the standard input can be read only once");
     }
     options wanted{.plugin = path_of(line.plugin),
                    .session = line.session,
                    .tshark_directory = path_of(line.tshark_directory),
-                   .profile = path_of(line.profile),
+                   .profile = path_of(line.profile.empty() && !line.each ? "kivra-profile.json"
+                                                                         : line.profile),
                    .output = path_of(line.output),
                    .summary = path_of(line.summary),
                    .report = path_of(line.report),
+                   .each = line.each,
+                   .recursive = line.recursive,
+                   .jobs = line.jobs,
+                   .table = path_of(line.table),
                    .json = line.json,
                    .all = line.all,
                    .quiet = line.quiet,
@@ -179,6 +226,7 @@ std::variant<options, std::string> read_command_line(std::vector<std::string> ar
     add_report_options(app, line);
     add_run_options(app, line);
     add_extraction_options(app, line);
+    add_fleet_options(app, line);
     app.set_version_flag("--version", "kivra-replay " KIVRA_VERSION);
     app.footer(exit_statuses);
 

@@ -1,6 +1,7 @@
 /// The command line of kivra-replay.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <variant>
@@ -25,6 +26,15 @@ struct options {
     std::filesystem::path summary;
     /// Where the report as a web page goes; empty: nowhere.
     std::filesystem::path report;
+    /// Each capture a trace of its own; `summary` and `profile` are folders then, or empty for none
+    /// to be kept.
+    bool each = false;
+    /// With each: also the folders within folders.
+    bool recursive = false;
+    /// With each: how many captures at a time; 0 for as many as the machine has cores.
+    std::size_t jobs = 0;
+    /// With each: where the table goes, a row a capture; empty: nowhere.
+    std::filesystem::path table;
     /// JSON Lines for programs, instead of a table for people.
     bool json = false;
     /// Every record in the table, not only those that tell something new.
@@ -33,7 +43,8 @@ struct options {
     bool quiet = false;
     /// How tshark reads captures that are not read directly.
     extraction_options extraction;
-    /// At least one; "-" at most once, in these and the compared ones together.
+    /// At least one; "-" at most once, in these and the compared ones together. With each: also
+    /// folders, and no "-".
     std::vector<std::filesystem::path> captures;
     /// What the page shows beside these; may be empty.
     std::vector<std::filesystem::path> compared;

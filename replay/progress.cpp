@@ -35,7 +35,7 @@ std::string minutes(seconds duration) {
 
 }  // namespace
 
-void progress::draw(std::uint64_t bytes_read, std::uint64_t records) {
+void progress::draw(std::uint64_t bytes_read, std::uint64_t count) {
     if (terminal_ == nullptr || now_() < next_drawing_) {
         return;
     }
@@ -46,10 +46,10 @@ void progress::draw(std::uint64_t bytes_read, std::uint64_t records) {
     const double share =
         total_ == 0 ? 0
                     : std::min(1.0, static_cast<double>(bytes_read) / static_cast<double>(total_));
-    *terminal_ << clear_line << (total_ == 0 ? "" : bar(share)) << "record " << records;
+    *terminal_ << clear_line << (total_ == 0 ? "" : bar(share)) << counted_ << ' ' << count;
     if (taken.count() > 0) {
         *terminal_ << ", " << std::fixed << std::setprecision(1)
-                   << static_cast<double>(records) / taken.count() << "/s";
+                   << static_cast<double>(count) / taken.count() << "/s";
         if (share > 0) {
             *terminal_ << ", " << minutes(taken * (1 - share) / share) << " left";
         }

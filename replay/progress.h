@@ -15,14 +15,16 @@ class progress {
     /// @param terminal where to draw, outlives the object; null: nowhere
     /// @param total how many bytes there are to read; 0 when nobody knows
     /// @param now the clock
-    progress(std::ostream* terminal, std::uint64_t total, clock::time_point (*now)() = clock::now)
-        : terminal_(terminal), total_(total), now_(now), start_(now()) {}
+    /// @param counted what there are many of
+    progress(std::ostream* terminal, std::uint64_t total, clock::time_point (*now)() = clock::now,
+             const char* counted = "record")
+        : terminal_(terminal), total_(total), now_(now), counted_(counted), start_(now()) {}
     ~progress() { clear(); }
     progress(const progress&) = delete;
     progress& operator=(const progress&) = delete;
 
-    /// Share, record, records a second and time left; not more often than a person can follow.
-    void draw(std::uint64_t bytes_read, std::uint64_t records);
+    /// Share, count, count a second and time left; not more often than a person can follow.
+    void draw(std::uint64_t bytes_read, std::uint64_t count);
 
     /// Makes room for other output.
     void clear();
@@ -31,6 +33,7 @@ class progress {
     std::ostream* terminal_;
     std::uint64_t total_;
     clock::time_point (*now_)();
+    const char* counted_;
     clock::time_point start_;
     clock::time_point next_drawing_ = start_;
     bool drawn_ = false;

@@ -16,6 +16,11 @@ enum class standard_stream { input, output, error };
 /// @param count, arguments those of main()
 std::vector<std::string> utf8_arguments(int count, char** arguments);
 
+/// The file of this program.
+/// @throws std::filesystem::filesystem_error, or std::system_error on Windows, when the system does
+///     not tell
+std::filesystem::path program_file();
+
 /// Makes the standard streams fit for a report: a stream that the caller has closed can't be taken
 /// by a file, so that a report that goes nowhere is still an error; writing to a pipe without a
 /// reader is an error instead of the process's end; on Windows, texts go out byte by byte, and a

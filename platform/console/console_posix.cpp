@@ -53,6 +53,10 @@ std::vector<std::string> utf8_arguments(int count, char** arguments) {
     return {arguments + std::min(count, 1), arguments + count};
 }
 
+fs::path program_file() {
+    return fs::read_symlink("/proc/self/exe");
+}
+
 void prepare_standard_streams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(stream, F_GETFD) == -1) {

@@ -68,6 +68,17 @@ std::vector<std::string> utf8_arguments(int /*count*/, char** /*arguments*/) {
     return arguments;
 }
 
+fs::path program_file() {
+    constexpr std::size_t longest_path = 32'768;
+    std::wstring name(longest_path, L'\0');
+    const DWORD length = GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size()));
+    if (length == 0) {
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category());
+    }
+    name.resize(length);
+    return name;
+}
+
 void prepare_standard_streams() {
     for (std::FILE* const stream : {stdin, stdout, stderr}) {
         _setmode(_fileno(stream), _O_BINARY);

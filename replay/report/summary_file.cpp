@@ -63,7 +63,8 @@ json settings_of(const setting_history& settings) {
     for (const auto& entry : settings.entries()) {
         json object{{"name", entry.name},       {"role", text_of(entry.role)},
                     {"clause", entry.clause},   {"in_force", change_of(entry.last)},
-                    {"changes", entry.changes}, {"history", json::array()}};
+                    {"changes", entry.changes}, {"last_record", entry.last_record},
+                    {"history", json::array()}};
         for (const auto& change : entry.first) {
             object["history"].push_back(change_of(change));
         }
@@ -109,6 +110,7 @@ json connections_of(const connection_log& log) {
 json measured_of(const connection_log& log) {
     json object{{"begin", iso_8601(log.begin())},
                 {"end", iso_8601(log.end())},
+                {"duration_s", seconds(log.end() - std::min(log.begin(), log.end()))},
                 {"connected", durations_of(log.connected())},
                 {"silence_before_release", durations_of(log.inactivity())},
                 {"idle", durations_of(log.idle())},

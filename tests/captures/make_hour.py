@@ -109,6 +109,7 @@ def measured():
     return {
         "begin": iso_8601(0),
         "end": iso_8601(LAST_SECOND),
+        "duration_s": LAST_SECOND,
         "connected": statistics_of(connected),
         "silence_before_release": statistics_of(
             [(said[-1][0], end) for _, _, end, _, said in CONNECTIONS if said]),

@@ -60,6 +60,44 @@ TEST(command_line, takes_captures_behind_an_option_that_may_be_repeated) {
     EXPECT_EQ(wanted.extraction.user_link_types[1].number, 150);
 }
 
+TEST(command_line, takes_each_capture_as_a_trace_of_its_own) {
+    const auto wanted = std::get<options>(read({"--each", "--recursive", "--jobs", "3", "lab"}));
+    EXPECT_TRUE(wanted.each);
+    EXPECT_TRUE(wanted.recursive);
+    EXPECT_EQ(wanted.jobs, 3U);
+    EXPECT_EQ(wanted.profile, "");
+    EXPECT_EQ(wanted.summary, "");
+}
+
+TEST(command_line, refuses_for_each_capture_what_is_of_one_stream) {
+    for (const std::vector<std::string>& wrong :
+         std::vector<std::vector<std::string>>{{"--json"}, {"--all"}, {"--report", "r.html"}}) {
+        auto arguments = wrong;
+        arguments.insert(arguments.end(), {"--each", "a.pcapng"});
+        EXPECT_THAT([&] { read(arguments); },
+                    ThrowsMessage<std::runtime_error>(
+                        AllOf(HasSubstr(wrong.front()), HasSubstr("one stream of records"))));
+    }
+    EXPECT_THAT(
+        [] {
+            read({"--each", "-"});
+        },
+        ThrowsMessage<std::runtime_error>(HasSubstr("standard input")));
+}
+
+TEST(command_line, takes_what_is_for_each_capture_only_with_each) {
+    EXPECT_THAT(
+        [] {
+            read({"--recursive", "lab"});
+        },
+        ThrowsMessage<std::runtime_error>(HasSubstr("--recursive requires --each")));
+    EXPECT_THAT(
+        [] {
+            read({"--jobs", "2", "lab"});
+        },
+        ThrowsMessage<std::runtime_error>(HasSubstr("--jobs requires --each")));
+}
+
 TEST(command_line, takes_short_forms) {
     const auto wanted = std::get<options>(read({"-q", "-o", "o.txt", "a.pcapng"}));
     EXPECT_TRUE(wanted.quiet);

@@ -1,0 +1,37 @@
+/// One capture of many, in a process of its own.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "replay/fleet/fleet_row.h"
+
+namespace KIVRA::TSHARK::REPLAY {
+
+/// The program that runs a capture.
+struct capture_program {
+    std::filesystem::path file;
+    /// What stands before those that name the capture and its files.
+    std::vector<std::string> arguments;
+};
+
+struct capture_files {
+    std::filesystem::path capture;
+    /// What the program writes; what stands there from before is removed.
+    std::filesystem::path summary;
+    std::filesystem::path profile;
+};
+
+/// Runs the program with the capture and waits for it, and ends it when it is to be given up.
+/// @param given_up asked several times a second
+/// @return nothing when it was given up
+/// @throws PLATFORM::process_not_started; std::filesystem::filesystem_error when a folder for the
+///     files can't be made
+std::optional<capture_result> run_capture(const capture_program& program,
+                                          const capture_files& files,
+                                          const std::function<bool()>& given_up);
+
+}  // namespace KIVRA::TSHARK::REPLAY

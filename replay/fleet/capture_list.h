@@ -1,0 +1,23 @@
+/// Files and folders into a list of captures.
+#pragma once
+
+#include <filesystem>
+#include <vector>
+
+namespace KIVRA::TSHARK::REPLAY {
+
+struct listed_capture {
+    std::filesystem::path file;
+    /// Its path below the folder that it was found in; of a file given by name, the file's name.
+    std::filesystem::path name;
+};
+
+/// Captures in the order given; those of a folder sorted by their paths. Files that are given by
+/// name are taken whatever they are, of a folder those with a capture's suffix: pcap, pcapng, cap,
+/// ntar, snoop or erf in any case, with gz, zst or lz4 behind it where they are compressed.
+/// @param recursive whether to look into folders within folders
+/// @throws std::runtime_error for a folder without captures, or one that can't be read
+std::vector<listed_capture> list_captures(const std::vector<std::filesystem::path>& places,
+                                          bool recursive);
+
+}  // namespace KIVRA::TSHARK::REPLAY

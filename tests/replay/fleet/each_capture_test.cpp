@@ -1,0 +1,189 @@
+// kivra-replay --each as its users run it.
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "tests/replay/sample_captures.h"
+#include "tests/support/files.h"
+#include "tests/support/process.h"
+
+namespace KIVRA::TSHARK::REPLAY {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace TESTING;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr const char* ltem_line = "ltem_attach_psm.pcapng: ok, 22 records, network 262/02, PSM";
+constexpr const char* nbiot_line = "nbiot_attach.pcapng: ok, 8 records, network 232/01, PSM";
+
+class each_capture : public scratch_test {
+  protected:
+    each_capture() {
+        fs::create_directories("lab/night");
+        fs::create_directory("tmp");
+        fs::copy_file(capture_file("ltem_attach_psm.pcapng"), "lab/ltem_attach_psm.pcapng");
+        fs::copy_file(capture_file("nbiot_attach.pcapng"), "lab/night/nbiot_attach.pcapng");
+    }
+
+    /// With its temporary files in the folder "tmp".
+    static process_result run_each(std::vector<std::string> arguments,
+                                   const process_setting& setting = {}) {
+        arguments.insert(arguments.begin(), {"/usr/bin/env", "TMPDIR=tmp", KIVRA_REPLAY, "--each"});
+        return run_process(arguments, setting);
+    }
+};
+
+TEST_F(each_capture, is_a_trace_of_its_own_with_a_line_in_the_order_given) {
+    const auto result = run_each({"lab/night", "lab", "lab/night/nbiot_attach.pcapng"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.error, "");
+    EXPECT_EQ(result.output, std::string("lab/night/") + nbiot_line + " granted\n" + "lab/" +
+                                 ltem_line + " granted\n" + "lab/night/" + nbiot_line +
+                                 " granted\n"
+                                 "\ncaptures\n    ok                         3\n"
+                                 "\nPSM\n    granted                    3\n");
+}
+
+TEST_F(each_capture, leaves_nothing_behind_unless_told_to) {
+    EXPECT_EQ(run_each({"lab", "--recursive", "-q"}).status, 0);
+    EXPECT_THAT(names_in("."), ElementsAre("lab", "tmp"));
+    EXPECT_THAT(names_in("tmp"), IsEmpty());
+    EXPECT_THAT(names_in("lab"), ElementsAre("ltem_attach_psm.pcapng", "night"));
+}
+
+TEST_F(each_capture, keeps_summaries_and_profiles_that_are_those_of_a_run_of_its_own) {
+    ASSERT_EQ(run_each({"lab", "--recursive", "-q", "--summary", "s", "--profile", "p"}).status, 0);
+    EXPECT_THAT(names_in("s"), ElementsAre("ltem_attach_psm.pcapng.summary.json", "night"));
+    EXPECT_THAT(names_in("p"), ElementsAre("ltem_attach_psm.pcapng.profile.json", "night"));
+    ASSERT_EQ(
+        run_replay({"-q", "--summary", "own.json", "--profile",
+                    "p/night/nbiot_attach.pcapng.profile.json", "lab/night/nbiot_attach.pcapng"})
+            .status,
+        0);
+    EXPECT_EQ(read_file("s/night/nbiot_attach.pcapng.summary.json"), read_file("own.json"));
+}
+
+TEST_F(each_capture, costs_only_itself_when_it_is_broken) {
+    const auto image = read_file("lab/ltem_attach_psm.pcapng");
+    write_file("lab/cut.pcapng", image.substr(0, 1500));
+    write_file("lab/junk.pcap", "no capture\n");
+    const auto result = run_each({"missing.pcap", "lab"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output,
+              std::string("missing.pcap: unreadable\n"
+                          "lab/cut.pcapng: broken off, 15 records, network 262/02, PSM granted\n"
+                          "lab/junk.pcap: unreadable, 0 records\n"
+                          "lab/") +
+                  ltem_line +
+                  " granted\n"
+                  "\ncaptures\n"
+                  "    broken off                 1\n"
+                  "    ok                         1\n"
+                  "    unreadable                 2\n"
+                  "\nPSM\n"
+                  "    granted                    2\n");
+    EXPECT_THAT(result.error, AllOf(HasSubstr("kivra-replay: can't read missing.pcap: "),
+                                    HasSubstr("kivra-replay: can't read lab/cut.pcapng: "),
+                                    HasSubstr("kivra-replay: can't read lab/junk.pcap: ")));
+}
+
+TEST_F(each_capture, ends_with_2_when_none_can_be_read) {
+    EXPECT_EQ(run_each({"missing.pcap", "none.pcap"}).status, 2);
+}
+
+TEST_F(each_capture, does_not_take_a_summary_that_stood_there_before) {
+    fs::create_directory("s");
+    write_file("s/missing.pcap.summary.json", R"({"records": {"records": 5}})");
+    const auto result = run_each({"missing.pcap", "--summary", "s"});
+    EXPECT_THAT(result.output, StartsWith("missing.pcap: unreadable\n"));
+    EXPECT_THAT(names_in("s"), IsEmpty());
+}
+
+TEST_F(each_capture, is_run_with_the_options_of_the_whole) {
+    const auto result = run_each({"lab", "--plugin", "missing.so", "--session"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.error, HasSubstr("missing.so"));
+    EXPECT_EQ(
+        run_each({"lab", "--tshark-directory", "/usr/bin", "--tshark-option=-d",
+                  "--tshark-option=udp.port==4730,gsmtap", "--user-dlt", "149=mac-lte-framed"})
+            .status,
+        0);
+}
+
+TEST_F(each_capture, is_told_of_on_a_terminal_while_it_runs) {
+    const auto result = run_each({"lab"}, {.error_is_terminal = true});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.output, StartsWith(std::string("lab/") + ltem_line));
+    EXPECT_EQ(run_each({"lab", "-q"}, {.error_is_terminal = true}).error, "");
+}
+
+TEST_F(each_capture, is_refused_where_two_would_have_one_file) {
+    const auto result =
+        run_each({"lab/ltem_attach_psm.pcapng", "lab", "--recursive", "--profile", "p"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.error,
+              "kivra-replay: lab/ltem_attach_psm.pcapng and lab/ltem_attach_psm.pcapng would have "
+              "the same file in the folder of --summary or --profile\n");
+    EXPECT_FALSE(fs::exists("p"));
+}
+
+TEST_F(each_capture, is_not_written_over) {
+    const auto image = read_file("lab/ltem_attach_psm.pcapng");
+    const auto result = run_each({"lab", "-o", "lab/ltem_attach_psm.pcapng"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.error, EndsWith(" is a capture to read, not to write\n"));
+    EXPECT_EQ(read_file("lab/ltem_attach_psm.pcapng"), image);
+}
+
+TEST_F(each_capture, is_a_row_of_the_table_that_is_not_written_over_a_capture) {
+    EXPECT_EQ(run_each({"lab", "-q", "--table", "lab.csv"}).status, 0);
+    EXPECT_THAT(
+        read_file("lab.csv"),
+        AllOf(StartsWith("capture,status,error,begin,"),
+              HasSubstr("\r\nlab/ltem_attach_psm.pcapng,ok,,2025-11-24T16:00:00.000000Z,")));
+    EXPECT_EQ(run_each({"lab", "--table", "lab/ltem_attach_psm.pcapng"}).status, 2);
+    EXPECT_EQ(run_each({"lab", "--table", "missing/lab.csv"}).status, 2);
+}
+
+TEST_F(each_capture, is_not_run_without_a_tshark) {
+    const auto result = run_each({"lab", "--tshark-directory", "lab"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(std::ranges::count(result.error, '\n'), 1);
+}
+
+TEST_F(each_capture, is_reported_when_an_interruption_ends_the_others) {
+    // The tshark for the second capture interrupts the run, and does not end before its input does.
+    fs::create_directory("bin");
+    write_file("bin/tshark",
+               "#!/bin/sh\n"
+               "if [ -e interrupted ]; then exec cat >/dev/null; fi\n"
+               "if [ -e second ]; then touch interrupted; kill -INT \"$(cat run)\"; exec cat "
+               ">/dev/null; fi\n"
+               "touch second\n"
+               "exec /usr/bin/tshark \"$@\"\n");
+    fs::permissions("bin/tshark", fs::perms::owner_all);
+    const auto result = run_process({"/bin/bash", "-c",
+                                     "echo $$ > run; TMPDIR=tmp exec " KIVRA_REPLAY
+                                     " --each --jobs 1 --tshark-directory bin lab lab/night lab"});
+    EXPECT_EQ(result.status, -2);
+    EXPECT_EQ(result.output, std::string("lab/") + ltem_line +
+                                 " granted\n"
+                                 "\ninterrupted: 1 of 3 captures done\n"
+                                 "\ncaptures\n    ok                         1\n"
+                                 "\nPSM\n    granted                    1\n");
+    EXPECT_THAT(names_in("tmp"), IsEmpty());
+}
+
+}  // namespace
+}  // namespace KIVRA::TSHARK::REPLAY

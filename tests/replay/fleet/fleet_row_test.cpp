@@ -1,0 +1,45 @@
+#include "replay/fleet/fleet_row.h"
+
+#include <string>
+
+#include <gmock/gmock.h>
+
+namespace KIVRA::TSHARK::REPLAY {
+namespace {
+
+using testing::Each;
+
+fleet_row row_without_summary(int status, const std::string& error = "") {
+    return row_of("a.pcap", {.exit_status = status, .error = error, .summary = {}});
+}
+
+TEST(fleet_row, has_a_cell_for_each_column) {
+    EXPECT_EQ(row_without_summary(2).size(), fleet_columns().size());
+}
+
+TEST(fleet_row, has_nothing_but_the_failure_without_a_summary) {
+    auto row = row_without_summary(2, "can't read a.pcap");
+    EXPECT_EQ(cell_of(row, "capture"), "a.pcap");
+    EXPECT_EQ(cell_of(row, "status"), "unreadable");
+    EXPECT_EQ(cell_of(row, "error"), "can't read a.pcap");
+    row.erase(row.begin(), row.begin() + 3);
+    EXPECT_THAT(row, Each(std::string()));
+}
+
+TEST(fleet_row, tells_of_a_process_that_ended_in_another_way) {
+    const auto row = row_without_summary(139);
+    EXPECT_EQ(cell_of(row, "status"), "crashed");
+    EXPECT_EQ(cell_of(row, "error"), "ended with status 139");
+}
+
+TEST(csv_line, has_cells_as_they_are) {
+    EXPECT_EQ(csv_line({"a b", "", "=1+1", "-5"}), "a b,,=1+1,-5\r\n");
+}
+
+TEST(csv_line, puts_cells_in_quotation_marks_where_rfc_4180_asks_for_it) {
+    EXPECT_EQ(csv_line({"a,b", "say \"no\"", "two\nlines", "\r"}),
+              "\"a,b\",\"say \"\"no\"\"\",\"two\nlines\",\"\r\"\r\n");
+}
+
+}  // namespace
+}  // namespace KIVRA::TSHARK::REPLAY
