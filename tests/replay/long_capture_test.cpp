@@ -1,4 +1,4 @@
-// Two thousand records, with a tshark each and with one for all, in process and through the
+// Five hundred records, with a tshark each and with one for all, in process and through the
 // plug-in. Takes minutes.
 #include <cstddef>
 #include <string>
@@ -16,7 +16,7 @@ namespace {
 
 using namespace TESTING;
 
-constexpr std::size_t record_count = 2'000;
+constexpr std::size_t record_count = 500;
 
 /// The samples over and over, with a lab network and a nameless packet now and then.
 std::vector<image_packet> long_trace() {
