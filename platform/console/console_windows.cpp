@@ -101,7 +101,8 @@ std::size_t output_columns() {
     if (!GetConsoleScreenBufferInfo(handle_of(standard_stream::output), &screen)) {
         return 0;
     }
-    return static_cast<std::size_t>(screen.srWindow.Right - screen.srWindow.Left + 1);
+    const int columns = screen.srWindow.Right - screen.srWindow.Left + 1;
+    return static_cast<std::size_t>(columns);
 }
 
 /// The runtime has no number of its own for ERROR_NO_DATA, which is what a pipe says.

@@ -27,7 +27,8 @@ constexpr int value_end = name_end + wide_value_width;
 constexpr double microseconds_a_second = 1'000'000;
 
 std::string blanks(int count) {
-    return std::string(static_cast<std::size_t>(count), ' ');
+    std::string text(static_cast<std::size_t>(count), ' ');
+    return text;
 }
 
 std::string shown(const setting_entry* entry) {
