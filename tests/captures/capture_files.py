@@ -40,3 +40,19 @@ def pcapng(link_types, packets, order="<"):
     interfaces = [struct.pack(order + "HHI", link_type, 0, SNAPLEN) for link_type in link_types]
     return (block(0x0A0D0D0A, section) + b"".join(block(1, interface) for interface in interfaces) +
             b"".join(packet_block(*packet) for packet in packets))
+
+
+def blocks(image):
+    """Of a little-endian pcapng."""
+    while image:
+        size = int.from_bytes(image[4:8], "little")
+        yield image[:size]
+        image = image[size:]
+
+
+def repeated(image, count):
+    """A little-endian pcapng of so many packets, those of the image again and again."""
+    parts = list(blocks(image))
+    head = [part for part in parts if part[0] != 6]
+    packets = [part for part in parts if part[0] == 6]
+    return b"".join(head + [packets[i % len(packets)] for i in range(count)])

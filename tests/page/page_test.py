@@ -16,7 +16,7 @@ sys.path.insert(0, str(TREE / "tests/captures"))
 sys.dont_write_bytecode = True
 # pylint: disable=wrong-import-position
 from browser import Browser
-from capture_files import WIRESHARK_UPPER_PDU, pcapng
+from capture_files import WIRESHARK_UPPER_PDU, pcapng, repeated
 
 REPLAY = os.environ["KIVRA_REPLAY"]
 SAMPLES = TREE / "examples/captures"
@@ -29,22 +29,6 @@ SEPARATORS = "\u2028\u2029&amp;<!--"
 def exported(name, payload):
     tag = name + bytes(-len(name) % 4)
     return bytes([0, 12]) + len(tag).to_bytes(2, "big") + tag + bytes(4) + payload
-
-
-def blocks(image):
-    """Of a little-endian pcapng."""
-    while image:
-        size = int.from_bytes(image[4:8], "little")
-        yield image[:size]
-        image = image[size:]
-
-
-def repeated(image, count):
-    """A capture of so many packets, those of the image again and again."""
-    parts = list(blocks(image))
-    head = [part for part in parts if part[0] != 6]
-    packets = [part for part in parts if part[0] == 6]
-    return b"".join(head + [packets[i % len(packets)] for i in range(count)])
 
 
 def with_number(seconds):

@@ -15,7 +15,7 @@ TREE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(TREE / "tests/captures"))
 sys.dont_write_bytecode = True
 # pylint: disable=wrong-import-position
-from capture_files import RAW_IP, WIRESHARK_UPPER_PDU, pcap, pcapng
+from capture_files import RAW_IP, WIRESHARK_UPPER_PDU, pcap, pcapng, repeated
 
 WINE = [os.environ["KIVRA_WINE"], os.environ["KIVRA_WINE_PREFIX"]]
 BUILD = pathlib.Path(os.environ["KIVRA_BUILD"])
@@ -52,22 +52,6 @@ def exported_pdu(name, payload):
     tag = name.encode()
     tag += bytes(-len(tag) % 4)
     return bytes([0, 12, 0, len(tag)]) + tag + bytes(4) + payload
-
-
-def blocks(image):
-    """Of a little-endian pcapng."""
-    while image:
-        size = int.from_bytes(image[4:8], "little")
-        yield image[:size]
-        image = image[size:]
-
-
-def repeated(image, count):
-    """A capture of so many packets, those of the image again and again."""
-    parts = list(blocks(image))
-    head = [part for part in parts if part[0] != 6]
-    packets = [part for part in parts if part[0] == 6]
-    return b"".join(head + [packets[i % len(packets)] for i in range(count)])
 
 
 def files_in(folder):
