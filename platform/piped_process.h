@@ -58,8 +58,8 @@ class piped_process {
         std::size_t written = 0;
         /// Bytes of the output that have come.
         std::size_t read = 0;
-        /// The output has ended, and with it, for all that can be known, the program. Nothing moves
-        /// any more.
+        /// The output has ended, and with it, for all that can be known, the program; on Windows
+        /// also a program that has left its output to another. Nothing moves any more.
         bool ended = false;
     };
 

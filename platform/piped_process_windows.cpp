@@ -284,8 +284,9 @@ struct piped_process::connection {
     }
 
     void finish_input() {
+        const bool is_alone = program_has_ended();
         input.finish();
-        if (closes_input && !input.is_busy()) {
+        if ((closes_input && !input.is_busy()) || is_alone) {
             input.close();
         }
     }
@@ -309,12 +310,22 @@ struct piped_process::connection {
             if (!output.is_busy()) {
                 output.begin_read();
             }
+            const bool is_alone = program_has_ended();
             const std::size_t count = output.finish();
             waiting = output.buffer().first(count);
             if (output.is_busy()) {
+                if (is_alone) {
+                    output.close();
+                }
                 return;
             }
         }
+    }
+
+    /// It may have left its ends of the pipes to another process, which then keeps them open: what
+    /// the program has printed is there by then, and nothing else is waited for.
+    bool program_has_ended() const {
+        return WaitForSingleObject(process.get(), 0) == WAIT_OBJECT_0;
     }
 
     bool has_ended() const { return waiting.empty() && !output.is_open(); }
@@ -322,13 +333,16 @@ struct piped_process::connection {
     /// Waits until a transfer under way has ended, or what else is wanted. What has come for nobody
     /// is none to wait for.
     void wait(const occasion& wanted, DWORD milliseconds) const {
-        std::array<HANDLE, 3> events{};
+        std::array<HANDLE, 4> events{};
         DWORD count = 0;
         if (input.is_busy()) {
             events.at(count++) = input.event();
         }
         if (wanted.output && output.is_busy()) {
             events.at(count++) = output.event();
+        }
+        if (count > 0) {
+            events.at(count++) = process.get();
         }
         if (wanted.other) {
             // NOLINTNEXTLINE(performance-no-int-to-ptr): the caller has a handle as a number

@@ -1,3 +1,5 @@
+#include <windows.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -80,6 +82,40 @@ TEST_F(piped_processes_on_windows, end_with_their_object) {
         EXPECT_EQ(TESTING::children().size(), 1U);
     }
     EXPECT_EQ(TESTING::children().size(), 0U);
+}
+
+/// The program to which a process has left its pipes; ends with this.
+class heir {
+  public:
+    explicit heir(const std::string& number)
+        : process_(OpenProcess(PROCESS_TERMINATE, FALSE, std::stoul(number))) {}
+    ~heir() {
+        TerminateProcess(process_, 0);
+        CloseHandle(process_);
+    }
+    heir(const heir&) = delete;
+    heir& operator=(const heir&) = delete;
+
+    bool was_there() const { return process_ != nullptr; }
+
+  private:
+    HANDLE process_;
+};
+
+TEST_F(piped_processes_on_windows, that_leave_their_pipes_to_another_have_ended_all_the_same) {
+    piped_process process(KIVRA_HEIR_PROBE, {});
+    const heir other(read(process, 100));
+    EXPECT_TRUE(other.was_there());
+    EXPECT_EQ(process.exit_status(), 0);
+}
+
+TEST_F(piped_processes_on_windows, that_leave_their_pipes_to_another_take_no_more_input) {
+    piped_process process(KIVRA_HEIR_PROBE, {});
+    EXPECT_EQ(process.exit_status(), 0);
+    const std::string much(1'000'000, 'm');
+    EXPECT_EQ(process.exchange(much, {}, /*wait=*/true).written, much.size());
+    const heir other(read(process, 100));
+    EXPECT_TRUE(other.was_there());
 }
 
 TEST_F(piped_processes_on_windows, leave_no_handle_behind) {
