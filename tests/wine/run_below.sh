@@ -29,9 +29,20 @@ port:*)
         eval "exec $connection<>/dev/tcp/127.0.0.1/$port"
         printf %s "$token" >&$connection
     done
+    # What goes on running must not keep the streams of the tests open.
+    exec 2>/dev/null
     # tshark reads from pipes but from no socket.
+    exec 6< <(exec cat <&3 3>&- 4>&- 5>&-)
+    input=$!
+    # Of a tshark.exe that was ended, Wine may keep the connection for the input, but not the last.
+    (
+        read -r -u 5
+        kill "$input"
+    ) 3>&- 4>&- 6<&- &
+    watch=$!
     status=0
-    errors=$("$@" < <(exec cat <&3 3>&- 4>&- 5>&-) 2>&1 >&4 3>&- 5>&-) || status=$?
+    errors=$("$@" <&6 2>&1 >&4 3>&- 4>&- 5>&- 6<&-) || status=$?
+    kill "$watch" "$input"
     printf '%s\n%s' "$status" "$errors" >&5
     ;;
 *)
