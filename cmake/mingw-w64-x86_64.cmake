@@ -20,4 +20,4 @@ foreach(kind IN ITEMS EXE MODULE)
 endforeach()
 
 set(CMAKE_CROSSCOMPILING_EMULATOR
-    "${CMAKE_CURRENT_LIST_DIR}/mingw/wine" "${CMAKE_BINARY_DIR}/wine-prefix")
+    "${CMAKE_CURRENT_LIST_DIR}/mingw/wine" "${CMAKE_BINARY_DIR}/wine-prefix" test)
