@@ -3,12 +3,11 @@
 #include <cerrno>
 #include <cstdlib>
 #include <iostream>
-#include <string>
 #include <string_view>
-#include <system_error>
 
 #include "platform/console/console.h"
 #include "replay/record/path_text.h"
+#include "replay/record/write_error.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -28,8 +27,7 @@ output::output(const std::filesystem::path& file) {
     }
     file_.emplace(file, std::ios::binary | std::ios::trunc);
     if (!file_->is_open()) {
-        throw std::runtime_error("can't write " + text_of(file) + ": " +
-                                 std::generic_category().message(errno));
+        throw write_error(text_of(file), errno);
     }
 }
 
@@ -57,8 +55,7 @@ void output::flush() {
     if (PLATFORM::tells_of_missing_reader(errno)) {
         throw reader_gone();
     }
-    throw std::runtime_error("can't write the report" +
-                             (errno == 0 ? "" : ": " + std::generic_category().message(errno)));
+    throw write_error("the report", errno);
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -1,13 +1,11 @@
 #include "replay/page/page_file.h"
 
 #include <cerrno>
-#include <stdexcept>
-#include <string>
-#include <system_error>
 #include <utility>
 
 #include "replay/page/embedded_page.h"
 #include "replay/record/path_text.h"
+#include "replay/record/write_error.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -45,8 +43,7 @@ void page_file::finish() {
 }
 
 void page_file::fail() const {
-    throw std::runtime_error("can't write " + text_of(path_) +
-                             (errno == 0 ? "" : ": " + std::generic_category().message(errno)));
+    throw write_error(text_of(path_), errno);
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

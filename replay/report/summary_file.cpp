@@ -3,14 +3,13 @@
 #include <cerrno>
 #include <cmath>
 #include <fstream>
-#include <stdexcept>
 #include <string>
-#include <system_error>
 
 #include <nlohmann/json.hpp>
 
 #include "replay/record/path_text.h"
 #include "replay/record/record_format.h"
+#include "replay/record/write_error.h"
 #include "replay/report/formatting.h"
 #include "replay/report/summary.h"
 #include "replay/trace/conclusions.h"
@@ -199,8 +198,7 @@ void summary_file::end(const capture_content& captures) {
     std::ofstream file(file_, std::ios::binary | std::ios::trunc);
     file << text << '\n';
     if (!file.flush()) {
-        throw std::runtime_error("can't write " + text_of(file_) +
-                                 (errno == 0 ? "" : ": " + std::generic_category().message(errno)));
+        throw write_error(text_of(file_), errno);
     }
 }
 
