@@ -17,7 +17,6 @@
 #include <vector>
 
 #include "platform/console/console.h"
-#include "platform/platform.h"
 #include "replay/find_tshark.h"
 #include "replay/fleet/capture_job.h"
 #include "replay/fleet/capture_list.h"
@@ -27,7 +26,6 @@
 #include "replay/progress.h"
 #include "replay/record/path_text.h"
 #include "replay/report/formatting.h"
-#include "sink/tshark_discovery.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -39,16 +37,10 @@ using PLATFORM::standard_stream;
 /// The options that a capture's own run shares with this one.
 std::vector<std::string> shared_arguments(const options& wanted) {
     std::vector<std::string> arguments{"--quiet"};
-    auto directory = wanted.tshark_directory;
-    if (directory.empty()) {
-        directory = find_tshark_directory(PLATFORM::path_variable().value_or(""));
-    }
-    if (wanted.plugin.empty()) {
-        static_cast<void>(SINK::tshark_executable(directory));
-    } else {
+    if (!wanted.plugin.empty()) {
         arguments.push_back("--plugin=" + text_of(wanted.plugin));
     }
-    arguments.push_back("--tshark-directory=" + text_of(directory));
+    arguments.push_back("--tshark-directory=" + text_of(find_tshark(wanted).directory));
     if (wanted.session) {
         arguments.emplace_back("--session");
     }
@@ -75,15 +67,6 @@ void refuse_same_names(const std::vector<listed_capture>& captures) {
             throw std::runtime_error(text_of(known->second) + " and " + text_of(file) +
                                      " would have the same file in the folder of --summary or "
                                      "--profile");
-        }
-    }
-}
-
-void refuse_to_overwrite(const std::vector<listed_capture>& captures, const fs::path& target) {
-    for (const auto& [file, name] : captures) {
-        std::error_code missing;
-        if (fs::equivalent(file, target, missing)) {
-            throw std::runtime_error(text_of(target) + " is a capture to read, not to write");
         }
     }
 }
@@ -267,8 +250,8 @@ exit_status replay_each(const options& wanted) {
     if (!wanted.summary.empty() || !wanted.profile.empty()) {
         refuse_same_names(captures);
     }
-    for (const auto& target : {wanted.output, wanted.table}) {
-        refuse_to_overwrite(captures, target);
+    for (const auto& capture : captures) {
+        refuse_to_overwrite(capture.file, {wanted.output, wanted.table});
     }
     return each_run(wanted, std::move(captures)).run();
 }

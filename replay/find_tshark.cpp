@@ -57,4 +57,18 @@ fs::path find_tshark_directory(std::string_view folders) {
     throw std::runtime_error("no tshark on PATH; name its folder with --tshark-directory");
 }
 
+found_tshark find_tshark(const options& wanted) {
+    const auto directory = wanted.tshark_directory.empty()
+                               ? find_tshark_directory(PLATFORM::path_variable().value_or(""))
+                               : wanted.tshark_directory;
+    try {
+        return {directory, SINK::tshark_executable(directory)};
+    } catch (const std::runtime_error&) {
+        if (wanted.plugin.empty()) {
+            throw;
+        }
+        return {directory, directory / "tshark"};
+    }
+}
+
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -1,8 +1,10 @@
-/// The search for tshark where the command line does not name its folder.
+/// The search for tshark.
 #pragma once
 
 #include <filesystem>
 #include <string_view>
+
+#include "replay/options.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -11,5 +13,15 @@ namespace KIVRA::TSHARK::REPLAY {
 /// @param folders as in PATH; empty ones don't count
 /// @throws std::runtime_error when there is none
 std::filesystem::path find_tshark_directory(std::string_view folders);
+
+struct found_tshark {
+    std::filesystem::path directory;
+    std::filesystem::path executable;
+};
+
+/// tshark in the folder that the command line names, else in the first of PATH that has it. A
+/// plug-in that is told of a folder without one says so itself: then the executable is missing.
+/// @throws std::runtime_error when there is none
+found_tshark find_tshark(const options& wanted);
 
 }  // namespace KIVRA::TSHARK::REPLAY

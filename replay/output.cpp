@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <string_view>
+#include <system_error>
 
 #include "platform/console/console.h"
 #include "replay/record/path_text.h"
@@ -28,6 +29,16 @@ output::output(const std::filesystem::path& file) {
     file_.emplace(file, std::ios::binary | std::ios::trunc);
     if (!file_->is_open()) {
         throw write_error(text_of(file), errno);
+    }
+}
+
+void refuse_to_overwrite(const std::filesystem::path& capture,
+                         const std::vector<std::filesystem::path>& targets) {
+    for (const auto& target : targets) {
+        std::error_code missing;
+        if (std::filesystem::equivalent(capture, target, missing)) {
+            throw std::runtime_error(text_of(target) + " is a capture to read, not to write");
+        }
     }
 }
 

@@ -7,6 +7,7 @@
 #include <optional>
 #include <ostream>
 #include <stdexcept>
+#include <vector>
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -15,6 +16,11 @@ class reader_gone : public std::runtime_error {
   public:
     reader_gone() : std::runtime_error("nobody reads the report") {}
 };
+
+/// @param targets files to be written; empty ones don't count
+/// @throws std::runtime_error when the capture is one of them
+void refuse_to_overwrite(const std::filesystem::path& capture,
+                         const std::vector<std::filesystem::path>& targets);
 
 class output {
   public:

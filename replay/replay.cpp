@@ -7,14 +7,11 @@
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
 #include "platform/console/console.h"
-#include "platform/platform.h"
 #include "replay/find_tshark.h"
 #include "replay/input/capture_stream.h"
 #include "replay/output.h"
@@ -31,7 +28,6 @@
 #include "replay/terminal_timeline.h"
 #include "replay/trace/profile_file.h"
 #include "replay/tshark_version.h"
-#include "sink/tshark_discovery.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -56,32 +52,8 @@ void refuse_to_overwrite_captures(const options& wanted) {
     }
     for (const auto& sources : {wanted.captures, wanted.compared}) {
         for (const auto& source : sources) {
-            for (const auto& target : targets) {
-                std::error_code missing;
-                if (fs::equivalent(source, target, missing)) {
-                    throw std::runtime_error(text_of(target) +
-                                             " is a capture to read, not to write");
-                }
-            }
+            refuse_to_overwrite(source, targets);
         }
-    }
-}
-
-fs::path tshark_directory(const options& wanted) {
-    return wanted.tshark_directory.empty()
-               ? find_tshark_directory(PLATFORM::path_variable().value_or(""))
-               : wanted.tshark_directory;
-}
-
-/// The executable; a plug-in that is told of a folder without one says so itself.
-fs::path tshark_in(const fs::path& directory, const options& wanted) {
-    try {
-        return SINK::tshark_executable(directory);
-    } catch (const std::runtime_error&) {
-        if (wanted.plugin.empty()) {
-            throw;
-        }
-        return directory / "tshark";
     }
 }
 
@@ -278,8 +250,7 @@ class capture_group {
 
 exit_status replay(const options& wanted) {
     refuse_to_overwrite_captures(wanted);
-    const auto directory = tshark_directory(wanted);
-    const auto tshark = tshark_in(directory, wanted);
+    const auto [directory, tshark] = find_tshark(wanted);
     capture_group group(wanted, wanted.profile, directory, tshark);
     std::optional<capture_group> compared;
     if (!wanted.compared.empty()) {
