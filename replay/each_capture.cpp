@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
-#include <iomanip>
 #include <iostream>
 #include <map>
 #include <optional>
@@ -22,10 +21,10 @@
 #include "replay/fleet/capture_list.h"
 #include "replay/fleet/fleet_run.h"
 #include "replay/fleet/scratch_folder.h"
+#include "replay/fleet_report.h"
 #include "replay/output.h"
 #include "replay/progress.h"
 #include "replay/record/path_text.h"
-#include "replay/report/formatting.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -71,52 +70,30 @@ void refuse_same_names(const std::vector<listed_capture>& captures) {
     }
 }
 
-void print_counts(std::ostream& out, const char* title,
-                  const std::map<std::string, std::size_t>& counts) {
-    constexpr int names_width = 20;
-    constexpr int counts_width = 8;
-    if (counts.empty()) {
-        return;
-    }
-    out << '\n' << title << '\n';
-    for (const auto& [name, count] : counts) {
-        out << "    " << std::left << std::setw(names_width) << name << std::right
-            << std::setw(counts_width) << count << '\n';
-    }
-}
-
 class each_run {
   public:
     each_run(const options& wanted, std::vector<listed_capture> captures)
         : wanted_(wanted),
           captures_(std::move(captures)),
           program_{PLATFORM::program_file(), shared_arguments(wanted)},
-          out_(wanted.output),
+          report_(wanted, wanted.table),
           progress_(shows_progress() ? &std::cerr : nullptr, size_of_all(), progress::clock::now,
-                    "capture") {
-        if (!wanted.table.empty()) {
-            table_.emplace(wanted.table);
-        }
-    }
+                    "capture") {}
 
     exit_status run() {
         const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
-        if (table_) {
-            table_->stream() << csv_line(fleet_columns());
-            table_->flush();
-        }
         run_fleet(
             {.captures = captures_.size(),
              .jobs = wanted_.jobs == 0 ? cores : wanted_.jobs,
              .run = [this](std::size_t capture, std::size_t job) { return run(capture, job); },
-             .take = [this](std::size_t, const fleet_row& row) { take(row); },
+             .take =
+                 [this](std::size_t, const fleet_row& row) {
+                     progress_.clear();
+                     report_.take(row);
+                 },
              .ended = [this](std::size_t capture) { count(capture); }});
         progress_.clear();
-        if (!wanted_.quiet) {
-            print_summary();
-        }
-        out_.flush();
-        return status();
+        return report_.finish(captures_.size());
     }
 
   private:
@@ -170,77 +147,14 @@ class each_run {
         progress_.draw(bytes_, ++ended_);
     }
 
-    void take(const fleet_row& row) {
-        if (table_) {
-            table_->stream() << csv_line({row.begin(), row.end()});
-            table_->flush();
-        }
-        const auto& status = cell_of(row, "status");
-        ++statuses_[status];
-        if (const auto& psm = cell_of(row, "psm"); !psm.empty()) {
-            ++psm_[psm];
-        }
-        progress_.clear();
-        if (const auto& error = cell_of(row, "error"); !error.empty()) {
-            // Errors of captures name them; what ends a process tells nothing.
-            print_error(error.find(row.front()) == std::string::npos ? row.front() + ": " + error
-                                                                     : error);
-        }
-        if (!wanted_.quiet) {
-            print_line(row);
-        }
-        out_.flush();
-    }
-
-    void print_line(const fleet_row& row) {
-        auto& out = out_.stream();
-        out << printable(row.front()) << ": " << cell_of(row, "status");
-        if (const auto& records = cell_of(row, "records"); !records.empty()) {
-            out << ", " << records << (records == "1" ? " record" : " records");
-        }
-        if (const auto& failed = cell_of(row, "failed_records"); !failed.empty() && failed != "0") {
-            out << ", " << failed << " failed";
-        }
-        if (const auto& codes = cell_of(row, "mcc_mnc"); !codes.empty()) {
-            out << ", network " << codes;
-        }
-        if (const auto& psm = cell_of(row, "psm"); !psm.empty()) {
-            out << ", PSM " << psm;
-        }
-        out << '\n';
-    }
-
-    void print_summary() {
-        auto& out = out_.stream();
-        if (ended_ < captures_.size()) {
-            out << "\ninterrupted: " << ended_ << " of " << captures_.size() << " captures done\n";
-        }
-        print_counts(out, "captures", statuses_);
-        print_counts(out, "PSM", psm_);
-    }
-
-    exit_status status() const {
-        const auto of = [this](const char* status) {
-            const auto found = statuses_.find(status);
-            return found == statuses_.end() ? 0 : found->second;
-        };
-        if (of("unreadable") + of("crashed") == ended_) {
-            return broken_off;
-        }
-        return of("ok") == captures_.size() ? all_went_through : some_failed;
-    }
-
     const options& wanted_;
     std::vector<listed_capture> captures_;
     capture_program program_;
     scratch_folder scratch_;
-    output out_;
-    std::optional<output> table_;
+    fleet_report report_;
     progress progress_;
     std::uint64_t bytes_ = 0;
     std::size_t ended_ = 0;
-    std::map<std::string, std::size_t> statuses_;
-    std::map<std::string, std::size_t> psm_;
 };
 
 }  // namespace

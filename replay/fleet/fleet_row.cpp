@@ -323,22 +323,4 @@ const std::string& cell_of(const fleet_row& row, std::string_view column) {
     return row.at(static_cast<std::size_t>(std::ranges::find(names, column) - names.begin()));
 }
 
-std::string csv_line(const std::vector<std::string_view>& cells) {
-    std::string line;
-    std::string_view separator;
-    for (const auto cell : cells) {
-        line += std::exchange(separator, ",");
-        if (cell.find_first_of(",\"\r\n") == std::string_view::npos) {
-            line += cell;
-            continue;
-        }
-        line += '"';
-        for (const char letter : cell) {
-            line.append(letter == '"' ? 2 : 1, letter);
-        }
-        line += '"';
-    }
-    return line + "\r\n";
-}
-
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -33,7 +33,4 @@ fleet_row row_of(const std::string& capture, const capture_result& result);
 /// @param column one of the names
 const std::string& cell_of(const fleet_row& row, std::string_view column);
 
-/// A line of comma-separated values (RFC 4180), with its end.
-std::string csv_line(const std::vector<std::string_view>& cells);
-
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -32,14 +32,5 @@ TEST(fleet_row, tells_of_a_process_that_ended_in_another_way) {
     EXPECT_EQ(cell_of(row, "error"), "ended with status 139");
 }
 
-TEST(csv_line, has_cells_as_they_are) {
-    EXPECT_EQ(csv_line({"a b", "", "=1+1", "-5"}), "a b,,=1+1,-5\r\n");
-}
-
-TEST(csv_line, puts_cells_in_quotation_marks_where_rfc_4180_asks_for_it) {
-    EXPECT_EQ(csv_line({"a,b", "say \"no\"", "two\nlines", "\r"}),
-              "\"a,b\",\"say \"\"no\"\"\",\"two\nlines\",\"\r\"\r\n");
-}
-
 }  // namespace
 }  // namespace KIVRA::TSHARK::REPLAY
