@@ -8,6 +8,7 @@
 
 #include "platform/console/console.h"
 #include "replay/each_capture.h"
+#include "replay/join_tables.h"
 #include "replay/options.h"
 #include "replay/output.h"
 #include "replay/replay.h"
@@ -27,6 +28,9 @@ exit_status run_command_line(std::vector<std::string> arguments) {
     }
     PLATFORM::install_interrupt_handler();
     const auto& run = std::get<options>(wanted);
+    if (run.from_tables) {
+        return join_tables(run);
+    }
     return run.each ? replay_each(run) : replay(run);
 }
 

@@ -31,6 +31,7 @@ struct command_line {
     bool quiet = false;
     bool each = false;
     bool recursive = false;
+    bool from_tables = false;
     std::size_t jobs = 0;
     std::string table;
     std::string output;
@@ -119,6 +120,10 @@ void add_fleet_options(CLI::App& app, command_line& line) {
               "row a capture")
         ->check(reject_standard_output)
         ->needs(each);
+    app.add_flag("--from-tables", line.from_tables,
+                 "With --each, take the rows of tables that were written\n"
+                 "before, instead of captures, and run nothing")
+        ->needs(each);
 }
 
 void add_extraction_options(CLI::App& app, command_line& line) {
@@ -165,13 +170,31 @@ extraction_options extraction_options_of(const command_line& line) {
     return options;
 }
 
+void refuse(bool given, const std::string& why) {
+    if (given) {
+        throw std::runtime_error(why);
+    }
+}
+
+/// What is of captures that are run.
+void check_joining(const command_line& line) {
+    const std::vector<std::pair<const char*, bool>> options{
+        {"--recursive", line.recursive},
+        {"--jobs", line.jobs != 0},
+        {"--summary", !line.summary.empty()},
+        {"--profile", !line.profile.empty()},
+        {"--plugin", !line.plugin.empty()},
+        {"--tshark-directory", !line.tshark_directory.empty()},
+        {"--user-dlt", !line.user_link_types.empty()},
+        {"--tshark-option", !line.tshark_options.empty()}};
+    for (const auto& [name, given] : options) {
+        refuse(given,
+               std::string(name) + " is for captures that are run, and --from-tables runs none");
+    }
+}
+
 /// What makes no sense with --each.
 void check_fleet(const command_line& line) {
-    const auto refuse = [](bool given, const std::string& why) {
-        if (given) {
-            throw std::runtime_error(why);
-        }
-    };
     refuse(line.json, "--json goes with one stream of records; with --each, use --summary DIR");
     refuse(line.all, "--all goes with one stream of records, and not with --each");
     refuse(!line.report.empty(),
@@ -183,6 +206,9 @@ void check_fleet(const command_line& line) {
 options options_of(const command_line& line) {
     if (line.each) {
         check_fleet(line);
+    }
+    if (line.from_tables) {
+        check_joining(line);
     }
     if (std::ranges::count(line.captures, "-") + std::ranges::count(line.compared, "-") > 1) {
         throw std::runtime_error("the standard input can be read only once");
@@ -199,6 +225,7 @@ options options_of(const command_line& line) {
                    .recursive = line.recursive,
                    .jobs = line.jobs,
                    .table = path_of(line.table),
+                   .from_tables = line.from_tables,
                    .json = line.json,
                    .all = line.all,
                    .quiet = line.quiet,

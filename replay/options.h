@@ -35,6 +35,8 @@ struct options {
     std::size_t jobs = 0;
     /// With each: where the table goes, a row a capture; empty: nowhere.
     std::filesystem::path table;
+    /// With each: the captures are tables of earlier runs, which are joined, and nothing is run.
+    bool from_tables = false;
     /// JSON Lines for programs, instead of a table for people.
     bool json = false;
     /// Every record in the table, not only those that tell something new.

@@ -96,6 +96,31 @@ TEST(command_line, takes_what_is_for_each_capture_only_with_each) {
             read({"--jobs", "2", "lab"});
         },
         ThrowsMessage<std::runtime_error>(HasSubstr("--jobs requires --each")));
+    EXPECT_THAT(
+        [] {
+            read({"--from-tables", "a.csv"});
+        },
+        ThrowsMessage<std::runtime_error>(HasSubstr("--from-tables requires --each")));
+}
+
+TEST(command_line, refuses_for_tables_what_is_of_captures_that_are_run) {
+    EXPECT_TRUE(std::get<options>(read({"--each", "--from-tables", "a.csv"})).from_tables);
+    for (const std::vector<std::string>& wrong :
+         std::vector<std::vector<std::string>>{{"--recursive"},
+                                               {"--jobs", "2"},
+                                               {"--summary", "s"},
+                                               {"--profile", "p"},
+                                               {"--plugin", "p.so"},
+                                               {"--tshark-directory", "/"},
+                                               {"--user-dlt", "149=mac-lte-framed"},
+                                               {"--tshark-option", "-n"}}) {
+        auto arguments = wrong;
+        arguments.insert(arguments.end(), {"--each", "--from-tables", "a.csv"});
+        EXPECT_THAT(
+            [&] { read(arguments); },
+            ThrowsMessage<std::runtime_error>(
+                wrong.front() + " is for captures that are run, and --from-tables runs none"));
+    }
 }
 
 TEST(command_line, takes_short_forms) {
