@@ -81,6 +81,7 @@ class each_run {
                     "capture") {}
 
     exit_status run() {
+        PLATFORM::note_all_interruptions();
         const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
         run_fleet(
             {.captures = captures_.size(),

@@ -45,6 +45,10 @@ void end_by_broken_pipe();
 /// breaks off a read that waits; the second one ends the process.
 void install_interrupt_handler();
 
+/// From now on all interruptions are noted, and none ends the process by itself: for a program that
+/// has something to tidy up, and asks often whether there was one. On POSIX, SIGTERM is one, too.
+void note_all_interruptions();
+
 /// Whether there was an interruption since the handler was installed.
 bool interrupted();
 

@@ -17,8 +17,17 @@ namespace {
 
 volatile std::sig_atomic_t interruption = 0;
 
-void note_interruption(int /*signal*/) {
-    interruption = 1;
+/// @param signal the last one counts
+void note_interruption(int signal) {
+    interruption = signal;
+}
+
+void handle(int signal, int flags) {
+    struct sigaction action {};
+    action.sa_handler = note_interruption;
+    action.sa_flags = flags;
+    sigemptyset(&action.sa_mask);
+    sigaction(signal, &action, nullptr);
 }
 
 void end_by(int signal) {
@@ -75,11 +84,12 @@ void end_by_broken_pipe() {
 }
 
 void install_interrupt_handler() {
-    struct sigaction action {};
-    action.sa_handler = note_interruption;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, nullptr);
+    handle(SIGINT, static_cast<int>(SA_RESETHAND));
+}
+
+void note_all_interruptions() {
+    handle(SIGINT, 0);
+    handle(SIGTERM, 0);
 }
 
 bool interrupted() {
@@ -87,7 +97,7 @@ bool interrupted() {
 }
 
 void end_by_interrupt() {
-    end_by(SIGINT);
+    end_by(interruption);
 }
 
 bool is_executable_file(const fs::path& file) {

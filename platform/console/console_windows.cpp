@@ -17,13 +17,14 @@ namespace fs = std::filesystem;
 namespace {
 
 std::atomic<bool> interruption = false;
+std::atomic<bool> all_are_noted = false;
 
 BOOL WINAPI note_interruption(DWORD event) {
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
         return FALSE;
     }
-    // The second one is left to the system, which ends the process.
-    return interruption.exchange(true) ? FALSE : TRUE;
+    // The second one is left to the system, which ends the process, unless that is not wanted.
+    return interruption.exchange(true) && !all_are_noted ? FALSE : TRUE;
 }
 
 HANDLE handle_of(standard_stream stream) {
@@ -116,6 +117,10 @@ void end_by_broken_pipe() {}
 
 void install_interrupt_handler() {
     SetConsoleCtrlHandler(note_interruption, TRUE);
+}
+
+void note_all_interruptions() {
+    all_are_noted = true;
 }
 
 bool interrupted() {

@@ -1,5 +1,6 @@
 // kivra-replay --each as its users run it.
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -20,7 +21,6 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::StartsWith;
 
 constexpr const char* ltem_line = "ltem_attach_psm.pcapng: ok, 22 records, network 262/02, PSM";
@@ -183,6 +183,34 @@ TEST_F(each_capture, is_reported_when_an_interruption_ends_the_others) {
                                  "\ncaptures\n    ok                         1\n"
                                  "\nPSM\n    granted                    1\n");
     EXPECT_THAT(names_in("tmp"), IsEmpty());
+}
+
+/// Runs it with a tshark that sends it the signal until it has ended.
+process_result run_each_against(const std::string& signal) {
+    fs::create_directory("bin");
+    write_file("bin/tshark",
+               "#!/bin/sh\n"
+               "ps -o ppid= $$ >child\n"
+               "while kill -" +
+                   signal + " \"$(cat run)\" 2>/dev/null; do :; done\n");
+    fs::permissions("bin/tshark", fs::perms::owner_all);
+    return run_process({"/bin/bash", "-c",
+                        "echo $$ > run; TMPDIR=tmp exec " KIVRA_REPLAY
+                        " --each --tshark-directory bin lab"});
+}
+
+TEST_F(each_capture, leaves_nothing_behind_however_often_it_is_interrupted) {
+    EXPECT_EQ(run_each_against("INT").status, -SIGINT);
+    EXPECT_THAT(names_in("tmp"), IsEmpty());
+    EXPECT_EQ(kill(std::stoi(read_file("child")), 0), -1);
+}
+
+TEST_F(each_capture, leaves_nothing_behind_when_it_is_terminated) {
+    const auto result = run_each_against("TERM");
+    EXPECT_EQ(result.status, -SIGTERM);
+    EXPECT_EQ(result.output, "\ninterrupted: 0 of 1 captures done\n");
+    EXPECT_THAT(names_in("tmp"), IsEmpty());
+    EXPECT_EQ(kill(std::stoi(read_file("child")), 0), -1);
 }
 
 }  // namespace
