@@ -28,20 +28,15 @@ std::string suffix_of(const fs::path& file) {
     return suffix;
 }
 
-bool has_suffix_of_capture(fs::path file) {
-    if (std::ranges::count(suffixes_of_compression, suffix_of(file)) != 0) {
-        file.replace_extension();
-    }
-    return std::ranges::count(suffixes_of_captures, suffix_of(file)) != 0;
-}
-
-template <typename Iterator>
-std::vector<listed_capture> captures_in(const fs::path& folder) {
+std::vector<listed_capture> all_captures_in(const fs::path& folder, bool recursive) {
     std::vector<listed_capture> found;
-    for (const fs::directory_entry& entry : Iterator(folder)) {
+    for (fs::recursive_directory_iterator entry(folder), end; entry != end; ++entry) {
+        if (!recursive || is_hidden(entry->path().filename())) {
+            entry.disable_recursion_pending();
+        }
         std::error_code unreachable;
-        if (has_suffix_of_capture(entry.path()) && entry.is_regular_file(unreachable)) {
-            found.push_back({entry.path(), entry.path().lexically_relative(folder)});
+        if (has_name_of_capture(entry->path().filename()) && entry->is_regular_file(unreachable)) {
+            found.push_back({entry->path(), entry->path().lexically_relative(folder)});
         }
     }
     std::ranges::sort(found, {}, &listed_capture::file);
@@ -51,8 +46,7 @@ std::vector<listed_capture> captures_in(const fs::path& folder) {
 std::vector<listed_capture> captures_in(const fs::path& folder, bool recursive) {
     std::vector<listed_capture> found;
     try {
-        found = recursive ? captures_in<fs::recursive_directory_iterator>(folder)
-                          : captures_in<fs::directory_iterator>(folder);
+        found = all_captures_in(folder, recursive);
     } catch (const fs::filesystem_error& error) {
         throw std::runtime_error("can't read " + text_of(error.path1()) + ": " +
                                  error.code().message());
@@ -65,6 +59,18 @@ std::vector<listed_capture> captures_in(const fs::path& folder, bool recursive) 
 }
 
 }  // namespace
+
+bool has_name_of_capture(const fs::path& name) {
+    fs::path file = name;
+    if (std::ranges::count(suffixes_of_compression, suffix_of(file)) != 0) {
+        file.replace_extension();
+    }
+    return !is_hidden(name) && std::ranges::count(suffixes_of_captures, suffix_of(file)) != 0;
+}
+
+bool is_hidden(const fs::path& name) {
+    return text_of(name).starts_with('.');
+}
 
 std::vector<listed_capture> list_captures(const std::vector<fs::path>& places, bool recursive) {
     std::vector<listed_capture> captures;

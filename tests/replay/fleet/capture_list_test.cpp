@@ -56,6 +56,16 @@ TEST_F(capture_list, looks_into_folders_within_folders_when_told_to) {
                 ElementsAre("a.pcap", "b.pcapng", "night/2/z.cap", "night/c.pcap"));
 }
 
+TEST_F(capture_list, leaves_out_what_is_hidden_unless_it_is_named) {
+    fs::create_directory("lab/.copying");
+    write_file("lab/.copying/d.pcap", "");
+    write_file("lab/.e.pcap", "");
+    EXPECT_THAT(files_of(list_captures({"lab"}, true)),
+                ElementsAre("lab/a.pcap", "lab/b.pcapng", "lab/night/2/z.cap", "lab/night/c.pcap"));
+    EXPECT_THAT(files_of(list_captures({"lab/.copying", "lab/.e.pcap"}, true)),
+                ElementsAre("lab/.copying/d.pcap", "lab/.e.pcap"));
+}
+
 TEST_F(capture_list, keeps_the_order_given_and_takes_files_by_name_whatever_they_are) {
     const auto captures = list_captures({"lab/notes.txt", "lab", "missing"}, false);
     EXPECT_THAT(files_of(captures),
