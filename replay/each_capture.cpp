@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -33,31 +32,6 @@ namespace {
 namespace fs = std::filesystem;
 using PLATFORM::standard_stream;
 
-/// The options that a capture's own run shares with this one.
-std::vector<std::string> shared_arguments(const options& wanted) {
-    std::vector<std::string> arguments{"--quiet"};
-    if (!wanted.plugin.empty()) {
-        arguments.push_back("--plugin=" + text_of(wanted.plugin));
-    }
-    arguments.push_back("--tshark-directory=" + text_of(find_tshark(wanted).directory));
-    if (wanted.session) {
-        arguments.emplace_back("--session");
-    }
-    for (const auto& [number, protocol] : wanted.extraction.user_link_types) {
-        arguments.push_back("--user-dlt=" + std::to_string(number) + '=' + protocol);
-    }
-    for (const auto& option : wanted.extraction.tshark_options) {
-        arguments.push_back("--tshark-option=" + option);
-    }
-    return arguments;
-}
-
-/// "folder/lab/modem.pcapng.summary.json" for "lab/modem.pcapng".
-fs::path file_for(const fs::path& folder, fs::path name, const char* ending) {
-    name += ending;
-    return folder / name;
-}
-
 void refuse_same_names(const std::vector<listed_capture>& captures) {
     std::map<fs::path, fs::path> files;
     for (const auto& [file, name] : captures) {
@@ -75,17 +49,16 @@ class each_run {
     each_run(const options& wanted, std::vector<listed_capture> captures)
         : wanted_(wanted),
           captures_(std::move(captures)),
-          program_{PLATFORM::program_file(), shared_arguments(wanted)},
+          program_(program_for(wanted)),
           report_(wanted, wanted.table),
           progress_(shows_progress() ? &std::cerr : nullptr, size_of_all(), progress::clock::now,
                     "capture") {}
 
     exit_status run() {
         PLATFORM::note_all_interruptions();
-        const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
         run_fleet(
             {.captures = captures_.size(),
-             .jobs = wanted_.jobs == 0 ? cores : wanted_.jobs,
+             .jobs = jobs_of(wanted_),
              .run = [this](std::size_t capture, std::size_t job) { return run(capture, job); },
              .take =
                  [this](std::size_t, const fleet_row& row) {
@@ -129,18 +102,7 @@ class each_run {
                                     : file_for(wanted_.summary, name, ".summary.json"),
             wanted_.profile.empty() ? scratch / "profile.json"
                                     : file_for(wanted_.profile, name, ".profile.json")};
-        constexpr int not_started = 2;
-        capture_result result{.exit_status = not_started, .error = {}, .summary = {}};
-        try {
-            auto ended = run_capture(program_, files, PLATFORM::interrupted);
-            if (!ended) {
-                return std::nullopt;
-            }
-            result = std::move(*ended);
-        } catch (const std::exception& error) {
-            result.error = error.what();
-        }
-        return row_of(text_of(file), result);
+        return row_of_run(program_, files, PLATFORM::interrupted);
     }
 
     void count(std::size_t number) {
@@ -159,6 +121,29 @@ class each_run {
 };
 
 }  // namespace
+
+capture_program program_for(const options& wanted) {
+    std::vector<std::string> arguments{"--quiet"};
+    if (!wanted.plugin.empty()) {
+        arguments.push_back("--plugin=" + text_of(wanted.plugin));
+    }
+    arguments.push_back("--tshark-directory=" + text_of(find_tshark(wanted).directory));
+    if (wanted.session) {
+        arguments.emplace_back("--session");
+    }
+    for (const auto& [number, protocol] : wanted.extraction.user_link_types) {
+        arguments.push_back("--user-dlt=" + std::to_string(number) + '=' + protocol);
+    }
+    for (const auto& option : wanted.extraction.tshark_options) {
+        arguments.push_back("--tshark-option=" + option);
+    }
+    return {PLATFORM::program_file(), std::move(arguments)};
+}
+
+std::size_t jobs_of(const options& wanted) {
+    const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
+    return wanted.jobs == 0 ? cores : wanted.jobs;
+}
 
 exit_status replay_each(const options& wanted) {
     auto captures = list_captures(wanted.captures, wanted.recursive);

@@ -1,6 +1,9 @@
 /// A run of kivra-replay over many captures, each a trace of its own.
 #pragma once
 
+#include <cstddef>
+
+#include "replay/fleet/capture_job.h"
 #include "replay/options.h"
 #include "replay/replay.h"
 
@@ -14,5 +17,12 @@ namespace KIVRA::TSHARK::REPLAY {
 /// @throws std::runtime_error when the run can't start, reader_gone or std::runtime_error when the
 ///     report can't be written
 exit_status replay_each(const options& wanted);
+
+/// This program with the options that a capture's own run shares with that of all.
+/// @throws std::runtime_error when there is no tshark
+capture_program program_for(const options& wanted);
+
+/// How many captures to run at a time.
+std::size_t jobs_of(const options& wanted);
 
 }  // namespace KIVRA::TSHARK::REPLAY

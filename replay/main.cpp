@@ -12,6 +12,7 @@
 #include "replay/options.h"
 #include "replay/output.h"
 #include "replay/replay.h"
+#include "replay/watch_folder.h"
 
 namespace {
 
@@ -30,6 +31,9 @@ exit_status run_command_line(std::vector<std::string> arguments) {
     const auto& run = std::get<options>(wanted);
     if (run.from_tables) {
         return join_tables(run);
+    }
+    if (run.watch) {
+        return watch_folder(run);
     }
     return run.each ? replay_each(run) : replay(run);
 }

@@ -32,6 +32,7 @@ struct command_line {
     bool each = false;
     bool recursive = false;
     bool from_tables = false;
+    bool watch = false;
     std::size_t jobs = 0;
     std::string table;
     std::string output;
@@ -124,6 +125,10 @@ void add_fleet_options(CLI::App& app, command_line& line) {
                  "With --each, take the rows of tables that were written\n"
                  "before, instead of captures, and run nothing")
         ->needs(each);
+    app.add_flag("--watch", line.watch,
+                 "With --each, run also the captures that come into the\n"
+                 "folder, until interrupted; --table says which are done")
+        ->needs(each);
 }
 
 void add_extraction_options(CLI::App& app, command_line& line) {
@@ -180,6 +185,7 @@ void refuse(bool given, const std::string& why) {
 void check_joining(const command_line& line) {
     const std::vector<std::pair<const char*, bool>> options{
         {"--recursive", line.recursive},
+        {"--watch", line.watch},
         {"--jobs", line.jobs != 0},
         {"--summary", !line.summary.empty()},
         {"--profile", !line.profile.empty()},
@@ -191,6 +197,12 @@ void check_joining(const command_line& line) {
         refuse(given,
                std::string(name) + " is for captures that are run, and --from-tables runs none");
     }
+}
+
+void check_watching(const command_line& line) {
+    refuse(line.table.empty(), "--watch needs --table, which says what captures are done");
+    refuse(!line.profile.empty(), "--profile is not for --watch, which keeps summaries alone");
+    refuse(line.captures.size() != 1, "--watch is for one folder");
 }
 
 /// What makes no sense with --each.
@@ -210,6 +222,9 @@ options options_of(const command_line& line) {
     if (line.from_tables) {
         check_joining(line);
     }
+    if (line.watch) {
+        check_watching(line);
+    }
     if (std::ranges::count(line.captures, "-") + std::ranges::count(line.compared, "-") > 1) {
         throw std::runtime_error("the standard input can be read only once");
     }
@@ -226,6 +241,7 @@ options options_of(const command_line& line) {
                    .jobs = line.jobs,
                    .table = path_of(line.table),
                    .from_tables = line.from_tables,
+                   .watch = line.watch,
                    .json = line.json,
                    .all = line.all,
                    .quiet = line.quiet,

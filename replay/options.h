@@ -37,6 +37,8 @@ struct options {
     std::filesystem::path table;
     /// With each: the captures are tables of earlier runs, which are joined, and nothing is run.
     bool from_tables = false;
+    /// With each: the only capture is a folder, and those that come into it are run, too.
+    bool watch = false;
     /// JSON Lines for programs, instead of a table for people.
     bool json = false;
     /// Every record in the table, not only those that tell something new.

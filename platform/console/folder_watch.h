@@ -37,15 +37,15 @@ struct folder_news {
 class folder_watch {
   public:
     /// @param folder begins the paths of its files
-    /// @throws std::system_error when it can't be watched
+    /// @throws std::system_error when it can't be watched; std::runtime_error where no folder can
     folder_watch(std::filesystem::path folder, watched_names names);
     ~folder_watch();
     folder_watch(const folder_watch&) = delete;
     folder_watch& operator=(const folder_watch&) = delete;
 
-    /// What is new; at first, the files that stand there, sorted by their paths. A file that comes
-    /// into a folder before the folder is watched is among them. Where the system has lost some of
-    /// the news, all files come again.
+    /// What is new, files sorted by their paths; at first, those that stand there. A file that
+    /// comes into a folder before the folder is watched is among them. Where the system has lost
+    /// some of the news, all files come again.
     /// @param at_most how long to wait for news; a signal ends it, too
     folder_news next(std::chrono::milliseconds at_most);
 

@@ -10,8 +10,7 @@
 #include <cstddef>
 #include <cstring>
 #include <map>
-#include <optional>
-#include <span>
+#include <set>
 #include <utility>
 
 #include "platform/console/folder_watch.h"
@@ -68,10 +67,7 @@ struct folder_watch::state {
         if (queue == -1) {
             return last_error();
         }
-        const auto known = news.files.size();
-        const auto error = watch(root);
-        sort_files(known);
-        return error;
+        return watch(root);
     }
 
     void end() {
@@ -79,11 +75,6 @@ struct folder_watch::state {
         if (queue != -1) {
             close(std::exchange(queue, -1));
         }
-    }
-
-    /// Those that have been listed last.
-    void sort_files(std::size_t first) {
-        std::sort(news.files.begin() + static_cast<std::ptrdiff_t>(first), news.files.end());
     }
 
     /// First watches the folder, and then lists it: nothing falls in between.
@@ -120,10 +111,25 @@ struct folder_watch::state {
     }
 
     void take(const fs::path& file) {
-        std::error_code unreachable;
-        if (names.file(file.filename()) && fs::is_regular_file(file, unreachable) &&
-            !is_being_written(file)) {
-            news.files.push_back(file);
+        if (names.file(file.filename())) {
+            files.insert(file);
+        }
+    }
+
+    /// Those that nobody writes any more are news. One may count as open for a moment after the
+    /// queue has told of its end, so all that are open are asked for again.
+    void sift_files() {
+        for (auto file = files.begin(); file != files.end();) {
+            std::error_code unreachable;
+            const bool is_there = fs::is_regular_file(*file, unreachable);
+            if (is_there && is_being_written(*file)) {
+                ++file;
+                continue;
+            }
+            if (is_there) {
+                news.files.push_back(*file);
+            }
+            file = files.erase(file);
         }
     }
 
@@ -167,9 +173,7 @@ struct folder_watch::state {
         } else if ((what & IN_MOVED_FROM) != 0) {
             forget(path);
         } else {
-            const auto known = news.files.size();
             watch_within(path);
-            sort_files(known);
         }
     }
 
@@ -192,7 +196,10 @@ struct folder_watch::state {
     int queue = -1;
     /// By the numbers that the queue calls them.
     std::map<int, fs::path> folders;
+    /// Those that have come and may still be open, sorted.
+    std::set<fs::path> files;
     folder_news news;
+    bool is_new = true;
 };
 
 folder_watch::folder_watch(fs::path folder, watched_names names)
@@ -201,11 +208,12 @@ folder_watch::folder_watch(fs::path folder, watched_names names)
 folder_watch::~folder_watch() = default;
 
 folder_news folder_watch::next(std::chrono::milliseconds at_most) {
-    const bool is_news = !state_->news.files.empty() || !state_->news.obstacles.empty();
+    const bool is_first = std::exchange(state_->is_new, false);
     pollfd entry{state_->queue, POLLIN, 0};
-    if (poll(&entry, 1, is_news ? 0 : static_cast<int>(at_most.count())) > 0) {
+    if (poll(&entry, 1, is_first ? 0 : static_cast<int>(at_most.count())) > 0) {
         state_->read_queue();
     }
+    state_->sift_files();
     return std::exchange(state_->news, {});
 }
 

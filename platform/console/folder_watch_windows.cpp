@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "platform/console/folder_watch.h"
 
 namespace KIVRA::TSHARK::PLATFORM {
@@ -5,7 +7,7 @@ namespace KIVRA::TSHARK::PLATFORM {
 struct folder_watch::state {};
 
 folder_watch::folder_watch(std::filesystem::path /*folder*/, watched_names /*names*/) {
-    throw std::system_error(std::make_error_code(std::errc::not_supported));
+    throw std::runtime_error("folders can't be watched on this system");
 }
 
 folder_watch::~folder_watch() = default;

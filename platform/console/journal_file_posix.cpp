@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -25,6 +26,21 @@ int open_file(const std::filesystem::path& file) {
     return descriptor;
 }
 
+/// A process that was killed while it started another one leaves the lock to that until it has
+/// become its program, which takes a moment. So the lock is asked for again.
+bool lock(int descriptor) {
+    constexpr int attempts = 100;
+    constexpr int milliseconds_between = 20;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) {
+            return true;
+        }
+        check(errno == EWOULDBLOCK || errno == EINTR);
+        poll(nullptr, 0, milliseconds_between);
+    }
+    return false;
+}
+
 }  // namespace
 
 struct journal_file::state {
@@ -38,11 +54,8 @@ struct journal_file::state {
 
 journal_file::journal_file(const std::filesystem::path& file)
     : state_(std::make_unique<state>(file)) {
-    if (flock(state_->descriptor, LOCK_EX | LOCK_NB) == -1) {
-        if (errno == EWOULDBLOCK) {
-            throw file_in_use();
-        }
-        check(false);
+    if (!lock(state_->descriptor)) {
+        throw file_in_use();
     }
 }
 

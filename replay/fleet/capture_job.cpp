@@ -2,8 +2,10 @@
 
 #include <array>
 #include <chrono>
+#include <exception>
 #include <fstream>
 #include <string_view>
+#include <utility>
 
 #include "platform/piped_process.h"
 #include "replay/record/path_text.h"
@@ -64,6 +66,27 @@ std::optional<capture_result> run_capture(const capture_program& program,
     result.error = first_complaint(process.printed_errors());
     result.summary = read_summary(files.summary);
     return result;
+}
+
+std::optional<fleet_row> row_of_run(const capture_program& program, const capture_files& files,
+                                    const std::function<bool()>& given_up) {
+    constexpr int not_started = 2;
+    capture_result result{.exit_status = not_started, .error = {}, .summary = {}};
+    try {
+        auto ended = run_capture(program, files, given_up);
+        if (!ended) {
+            return std::nullopt;
+        }
+        result = std::move(*ended);
+    } catch (const std::exception& error) {
+        result.error = error.what();
+    }
+    return row_of(text_of(files.capture), result);
+}
+
+fs::path file_for(const fs::path& folder, fs::path name, const char* ending) {
+    name += ending;
+    return folder / name;
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -34,4 +34,12 @@ std::optional<capture_result> run_capture(const capture_program& program,
                                           const capture_files& files,
                                           const std::function<bool()>& given_up);
 
+/// The same, as the capture's row in a table. Where the program can't be run, the row says so.
+std::optional<fleet_row> row_of_run(const capture_program& program, const capture_files& files,
+                                    const std::function<bool()>& given_up);
+
+/// "folder/lab/modem.pcapng.summary.json" for "lab/modem.pcapng".
+std::filesystem::path file_for(const std::filesystem::path& folder, std::filesystem::path name,
+                               const char* ending);
+
 }  // namespace KIVRA::TSHARK::REPLAY

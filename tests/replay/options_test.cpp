@@ -101,12 +101,18 @@ TEST(command_line, takes_what_is_for_each_capture_only_with_each) {
             read({"--from-tables", "a.csv"});
         },
         ThrowsMessage<std::runtime_error>(HasSubstr("--from-tables requires --each")));
+    EXPECT_THAT(
+        [] {
+            read({"--watch", "lab"});
+        },
+        ThrowsMessage<std::runtime_error>(HasSubstr("--watch requires --each")));
 }
 
 TEST(command_line, refuses_for_tables_what_is_of_captures_that_are_run) {
     EXPECT_TRUE(std::get<options>(read({"--each", "--from-tables", "a.csv"})).from_tables);
     for (const std::vector<std::string>& wrong :
          std::vector<std::vector<std::string>>{{"--recursive"},
+                                               {"--watch"},
                                                {"--jobs", "2"},
                                                {"--summary", "s"},
                                                {"--profile", "p"},
@@ -121,6 +127,26 @@ TEST(command_line, refuses_for_tables_what_is_of_captures_that_are_run) {
             ThrowsMessage<std::runtime_error>(
                 wrong.front() + " is for captures that are run, and --from-tables runs none"));
     }
+}
+
+TEST(command_line, takes_one_folder_and_a_table_to_watch) {
+    EXPECT_TRUE(std::get<options>(read({"--each", "--watch", "lab", "--table", "t.csv"})).watch);
+    EXPECT_THAT(
+        [] {
+            read({"--each", "--watch", "lab"});
+        },
+        ThrowsMessage<std::runtime_error>(
+            "--watch needs --table, which says what captures are done"));
+    EXPECT_THAT(
+        [] {
+            read({"--each", "--watch", "lab", "cellar", "--table", "t.csv"});
+        },
+        ThrowsMessage<std::runtime_error>("--watch is for one folder"));
+    EXPECT_THAT(
+        [] {
+            read({"--each", "--watch", "lab", "--table", "t.csv", "--profile", "p"});
+        },
+        ThrowsMessage<std::runtime_error>(HasSubstr("--profile is not for --watch")));
 }
 
 TEST(command_line, takes_short_forms) {
