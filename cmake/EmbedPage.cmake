@@ -1,9 +1,9 @@
-# Makes of the files in FOLDER the page that reports are written into, and of the page the C++ source
-# OUTPUT, which defines the functions of replay/page/embedded_page.h as arrays of bytes, since not every
-# compiler takes string literals of that length. The page's policy names its style and script by their
-# hashes.
+# Makes of the files in FOLDER a page that data are written into, and of the page the C++ source OUTPUT, which
+# defines FUNCTION, declared in HEADER, as arrays of bytes, since not every compiler takes string literals of
+# that length. The page's policy names its style and script by their hashes.
 #
-# SCRIPTS: the names of the scripts below FOLDER/script, in their order, with commas between them.
+# PAGE: the HTML file.
+# STYLES, SCRIPTS: files in their order, with commas between them.
 
 # "sha256-" and the base64 form of a text's hash, as a Content-Security-Policy has it.
 function(policy_hash text result)
@@ -32,18 +32,21 @@ function(bytes_of text result)
     set(${result} "${bytes}" PARENT_SCOPE)
 endfunction()
 
-file(READ "${FOLDER}/page.html" page)
-file(READ "${FOLDER}/uplot.min.css" style)
-file(READ "${FOLDER}/page.css" own_style)
-string(APPEND style "${own_style}")
-file(READ "${FOLDER}/uplot.min.js" script)
-string(APPEND script "\n(function () {\n\"use strict\";\n")
-string(REPLACE "," ";" scripts "${SCRIPTS}")
-foreach(name IN LISTS scripts)
-    file(READ "${FOLDER}/script/${name}" part)
-    string(APPEND script "${part}")
-endforeach()
-string(APPEND script "})();\n")
+# The content of the files in a list with commas.
+function(content_of files result)
+    string(REPLACE "," ";" files "${files}")
+    set(content "")
+    foreach(file IN LISTS files)
+        file(READ "${FOLDER}/${file}" part)
+        string(APPEND content "${part}")
+    endforeach()
+    set(${result} "${content}" PARENT_SCOPE)
+endfunction()
+
+file(READ "${FOLDER}/${PAGE}" page)
+content_of("${STYLES}" style)
+content_of("${SCRIPTS}" script)
+set(script "\n(function () {\n\"use strict\";\n${script}})();\n")
 if("${style}${script}" MATCHES "</(style|script)")
     message(FATAL_ERROR "style or script would end early in the page")
 endif()
@@ -61,7 +64,7 @@ string(REPLACE "@SCRIPT@" "${script}" tail "${tail}")
 
 bytes_of("${head}" head)
 bytes_of("${tail}" tail)
-file(WRITE "${OUTPUT}" "#include \"replay/page/embedded_page.h\"
+file(WRITE "${OUTPUT}" "#include \"${HEADER}\"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -75,12 +78,9 @@ ${tail}};
 
 }  // namespace
 
-std::string_view page_head() {
-    return {reinterpret_cast<const char*>(head), sizeof head};
-}
-
-std::string_view page_tail() {
-    return {reinterpret_cast<const char*>(tail), sizeof tail};
+page_frame ${FUNCTION}() {
+    return {{reinterpret_cast<const char*>(head), sizeof head},
+            {reinterpret_cast<const char*>(tail), sizeof tail}};
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -17,6 +17,7 @@
 #include "replay/output.h"
 #include "replay/page/page_file.h"
 #include "replay/page/page_report.h"
+#include "replay/page/run_page.h"
 #include "replay/progress.h"
 #include "replay/record/path_text.h"
 #include "replay/report/formatting.h"
@@ -261,7 +262,7 @@ exit_status replay(const options& wanted) {
     std::vector<std::unique_ptr<report>> reports_beside;
     std::optional<page_file> page;
     if (!wanted.report.empty()) {
-        page.emplace(wanted.report);
+        page.emplace(wanted.report, run_page());
         const auto version = tshark_version(tshark);
         reports.push_back(page_report_for(*page, wanted.captures, version, group.profile()));
         if (compared) {

@@ -3,18 +3,17 @@
 #include <cerrno>
 #include <utility>
 
-#include "replay/page/embedded_page.h"
 #include "replay/record/path_text.h"
 #include "replay/record/write_error.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
-page_file::page_file(std::filesystem::path file)
-    : path_(std::move(file)), file_(path_, std::ios::binary | std::ios::trunc) {
+page_file::page_file(std::filesystem::path file, const page_frame& frame)
+    : path_(std::move(file)), frame_(frame), file_(path_, std::ios::binary | std::ios::trunc) {
     if (!file_.is_open()) {
         fail();
     }
-    write(page_head());
+    write(frame_.head);
 }
 
 void page_file::write(std::string_view text) {
@@ -35,7 +34,7 @@ void page_file::end_block() {
 }
 
 void page_file::finish() {
-    write(page_tail());
+    write(frame_.tail);
     errno = 0;
     if (!file_.flush()) {
         fail();

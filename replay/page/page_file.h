@@ -5,13 +5,15 @@
 #include <fstream>
 #include <string_view>
 
+#include "replay/page/page_frame.h"
+
 namespace KIVRA::TSHARK::REPLAY {
 
 class page_file {
   public:
     /// @param file created or overwritten; gets the page's beginning
     /// @throws std::runtime_error when it can't be written
-    explicit page_file(std::filesystem::path file);
+    page_file(std::filesystem::path file, const page_frame& frame);
 
     /// @throws std::runtime_error when it can't be written
     void write(std::string_view text);
@@ -28,6 +30,7 @@ class page_file {
     [[noreturn]] void fail() const;
 
     std::filesystem::path path_;
+    page_frame frame_;
     std::ofstream file_;
 };
 

@@ -82,3 +82,24 @@ function settingsIn(text) {
 function valueText({value, unit, known}) {
   return value + (unit ? ` ${unit}` : "") + (known === false ? " (?)" : "");
 }
+
+/** What a run is called beside another one. */
+function runName(run) {
+  return `Trace ${"AB"[run.number]}`;
+}
+
+/** What parts of the page ask of others; page.js sets it. */
+const actions = {
+  /** Shows a record in the list. */
+  show: null,
+  /** Brings a record into the timeline. */
+  locate: null,
+};
+
+/** A record's number, which leads to it. */
+function recordLink(run, number) {
+  return element("button", {
+    type: "button", class: "link", onclick: () => actions.show(run, number - 1),
+    "aria-label": `show record ${number}`,
+  }, String(number));
+}

@@ -15,22 +15,6 @@ function element(tag, attributes = {}, ...children) {
   return made;
 }
 
-/** What parts of the page ask of others; page.js sets it. */
-const actions = {
-  /** Shows a record in the list. */
-  show: null,
-  /** Brings a record into the timeline. */
-  locate: null,
-};
-
-/** A record's number, which leads to it. */
-function recordLink(run, number) {
-  return element("button", {
-    type: "button", class: "link", onclick: () => actions.show(run, number - 1),
-    "aria-label": `show record ${number}`,
-  }, String(number));
-}
-
 /** Texts up to this length stay on one line. */
 const SHORT_CELL = 14;
 const MOST_NARROW_COLUMNS = 4;
@@ -54,9 +38,4 @@ function table(caption, columns, rows) {
 
 function note(text) {
   return element("p", {class: "note"}, text);
-}
-
-/** What a run is called beside another one. */
-function runName(run) {
-  return `Trace ${"AB"[run.number]}`;
 }

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include "replay/page/run_page.h"
 #include "tests/support/files.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -27,7 +28,7 @@ class reports_as_pages : public TESTING::scratch_test {
   protected:
     /// The page of so many records, between a beginning and an end.
     std::string page_of(int records, const page_heading& heading = {}) {
-        page_file file("page.html");
+        page_file file("page.html", run_page());
         page_report report(file, heading, profile_);
         report.begin("runner");
         for (int i = 1; i <= records; ++i) {
@@ -80,7 +81,7 @@ TEST_F(reports_as_pages, hold_all_records_and_their_summary) {
 }
 
 TEST_F(reports_as_pages, tell_of_a_connection_that_goes_on) {
-    page_file file("page.html");
+    page_file file("page.html", run_page());
     page_report report(file, {}, profile_);
     report.begin("runner");
     report.add(1, nas_record,
@@ -99,14 +100,14 @@ TEST_F(reports_as_pages, are_the_same_for_the_same_records) {
 }
 
 TEST_F(reports_as_pages, refuse_a_file_that_cannot_be_written) {
-    EXPECT_THAT([] { page_file("missing/page.html"); },
+    EXPECT_THAT([] { page_file("missing/page.html", run_page()); },
                 ThrowsMessage<std::runtime_error>(
                     "can't write missing/page.html: No such file or directory"));
 }
 
 TEST_F(reports_as_pages, notice_a_write_that_fails) {
     const auto fill = [this] {
-        page_file file("/dev/full");
+        page_file file("/dev/full", run_page());
         page_report report(file, {}, profile_);
         report.begin("runner");
         report.end({});
