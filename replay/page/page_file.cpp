@@ -45,4 +45,11 @@ void page_file::fail() const {
     throw write_error(text_of(path_), errno);
 }
 
+bool is_whole_page(const std::filesystem::path& file, const page_frame& frame) {
+    std::ifstream stream(file, std::ios::binary);
+    stream.seekg(-static_cast<std::streamoff>(frame.tail.size()), std::ios::end);
+    std::string end(frame.tail.size(), '\0');
+    return stream.read(end.data(), static_cast<std::streamsize>(end.size())) && end == frame.tail;
+}
+
 }  // namespace KIVRA::TSHARK::REPLAY

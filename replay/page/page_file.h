@@ -34,4 +34,8 @@ class page_file {
     std::ofstream file_;
 };
 
+/// Whether a file ends as pages of this frame do. One whose writer was ended before it had finished
+/// does not, and shows nothing.
+bool is_whole_page(const std::filesystem::path& file, const page_frame& frame);
+
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -46,7 +46,7 @@ class RowList {
       }
     });
     addEventListener("beforeprint", () => this.drawForPrint());
-    addEventListener("afterprint", () => this.draw(true));
+    addEventListener("afterprint", () => this.drawForScreen());
     new ResizeObserver(() => this.draw()).observe(this.frame);
   }
 
@@ -147,6 +147,10 @@ class RowList {
       rows.push(this.row(place));
     }
     this.body.replaceChildren(...rows);
+  }
+
+  drawForScreen() {
+    this.draw(true);
   }
 
   /** Chooses a row, brings its row into sight and shows all that is known of it. */
