@@ -22,8 +22,11 @@
 #include "replay/fleet/scratch_folder.h"
 #include "replay/fleet_report.h"
 #include "replay/output.h"
+#include "replay/page/page_file.h"
+#include "replay/page/run_page.h"
 #include "replay/progress.h"
 #include "replay/record/path_text.h"
+#include "replay/tshark_version.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -32,14 +35,32 @@ namespace {
 namespace fs = std::filesystem;
 using PLATFORM::standard_stream;
 
+constexpr const char* page_ending = ".html";
+
+/// Empty where only a plug-in could say that there is no tshark.
+std::string version_of_tshark(const options& wanted) {
+    const auto tshark = find_tshark(wanted).executable;
+    return wanted.report.empty() || tshark.empty() ? "" : tshark_version(tshark);
+}
+
 void refuse_same_names(const std::vector<listed_capture>& captures) {
     std::map<fs::path, fs::path> files;
     for (const auto& [file, name] : captures) {
         const auto [known, is_new] = files.emplace(name, file);
         if (!is_new) {
             throw std::runtime_error(text_of(known->second) + " and " + text_of(file) +
-                                     " would have the same file in the folder of --summary or "
-                                     "--profile");
+                                     " would have the same file in the folder of --summary, "
+                                     "--profile or --report");
+        }
+    }
+}
+
+void refuse_page_of_overview(const std::vector<listed_capture>& captures,
+                             const fs::path& overview) {
+    for (const auto& [file, name] : captures) {
+        if (file_for({}, name, page_ending) == overview.filename()) {
+            throw std::runtime_error("the page of " + text_of(file) +
+                                     " would be the overview's, index.html");
         }
     }
 }
@@ -50,7 +71,7 @@ class each_run {
         : wanted_(wanted),
           captures_(std::move(captures)),
           program_(program_for(wanted)),
-          report_(wanted, wanted.table),
+          report_(wanted, wanted.table, version_of_tshark(wanted)),
           progress_(shows_progress() ? &std::cerr : nullptr, size_of_all(), progress::clock::now,
                     "capture") {}
 
@@ -89,6 +110,16 @@ class each_run {
         return sum;
     }
 
+    /// Removes what a run that was ended has left.
+    static bool keep_whole_page(const fs::path& page) {
+        if (is_whole_page(page, run_page())) {
+            return true;
+        }
+        std::error_code missing;
+        fs::remove(page, missing);
+        return false;
+    }
+
     /// In any thread.
     std::optional<fleet_row> run(std::size_t number, std::size_t job) const {
         if (PLATFORM::interrupted()) {
@@ -101,8 +132,13 @@ class each_run {
             wanted_.summary.empty() ? scratch / "summary.json"
                                     : file_for(wanted_.summary, name, ".summary.json"),
             wanted_.profile.empty() ? scratch / "profile.json"
-                                    : file_for(wanted_.profile, name, ".profile.json")};
-        return row_of_run(program_, files, PLATFORM::interrupted);
+                                    : file_for(wanted_.profile, name, ".profile.json"),
+            wanted_.report.empty() ? fs::path() : file_for(wanted_.report, name, page_ending)};
+        auto row = row_of_run(program_, files, PLATFORM::interrupted);
+        if (keep_whole_page(files.page) && row) {
+            set_page(*row, generic_text_of(file_for({}, name, page_ending)));
+        }
+        return row;
     }
 
     void count(std::size_t number) {
@@ -147,11 +183,14 @@ std::size_t jobs_of(const options& wanted) {
 
 exit_status replay_each(const options& wanted) {
     auto captures = list_captures(wanted.captures, wanted.recursive);
-    if (!wanted.summary.empty() || !wanted.profile.empty()) {
+    if (!wanted.summary.empty() || !wanted.profile.empty() || !wanted.report.empty()) {
         refuse_same_names(captures);
     }
+    if (!wanted.report.empty()) {
+        refuse_page_of_overview(captures, overview_file(wanted));
+    }
     for (const auto& capture : captures) {
-        refuse_to_overwrite(capture.file, {wanted.output, wanted.table});
+        refuse_to_overwrite(capture.file, {wanted.output, wanted.table, overview_file(wanted)});
     }
     return each_run(wanted, std::move(captures)).run();
 }

@@ -2,6 +2,7 @@
 
 #include <iomanip>
 #include <ostream>
+#include <system_error>
 
 #include "replay/fleet/csv.h"
 #include "replay/report/formatting.h"
@@ -9,6 +10,8 @@
 namespace KIVRA::TSHARK::REPLAY {
 
 namespace {
+
+constexpr const char* overview_name = "index.html";
 
 void print(std::ostream& out, const char* title, const std::map<std::string, std::size_t>& counts) {
     constexpr int names_width = 20;
@@ -25,12 +28,23 @@ void print(std::ostream& out, const char* title, const std::map<std::string, std
 
 }  // namespace
 
-fleet_report::fleet_report(const options& wanted, const std::filesystem::path& table)
+std::filesystem::path overview_file(const options& wanted) {
+    return wanted.report.empty() ? std::filesystem::path() : wanted.report / overview_name;
+}
+
+fleet_report::fleet_report(const options& wanted, const std::filesystem::path& table,
+                           const std::string& tshark)
     : quiet_(wanted.quiet), out_(wanted.output) {
     if (!table.empty()) {
         table_.emplace(table);
         table_->stream() << csv_line(fleet_columns());
         table_->flush();
+    }
+    if (!wanted.report.empty()) {
+        std::error_code told_by_the_page;
+        std::filesystem::create_directories(wanted.report, told_by_the_page);
+        overview_.emplace(overview_file(wanted),
+                          overview_heading{.version = KIVRA_VERSION, .tshark = tshark});
     }
 }
 
@@ -38,6 +52,9 @@ void fleet_report::take(const fleet_row& row) {
     if (table_) {
         table_->stream() << csv_line({row.begin(), row.end()});
         table_->flush();
+    }
+    if (overview_) {
+        overview_->add(row);
     }
     ++taken_;
     ++statuses_[cell_of(row, "status")];
@@ -74,6 +91,9 @@ void fleet_report::print_line(const fleet_row& row) {
 }
 
 exit_status fleet_report::finish(std::size_t captures) {
+    if (overview_) {
+        overview_->finish();
+    }
     if (!quiet_) {
         print_counts(captures);
     }

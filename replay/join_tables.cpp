@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 void refuse_to_overwrite_tables(const options& wanted) {
     for (const auto& source : wanted.captures) {
-        for (const auto& target : {wanted.output, wanted.table}) {
+        for (const auto& target : {wanted.output, wanted.table, overview_file(wanted)}) {
             std::error_code missing;
             if (fs::equivalent(source, target, missing)) {
                 throw std::runtime_error(text_of(target) + " is a table to read, not to write");
@@ -57,7 +57,7 @@ std::size_t check_tables(const std::vector<fs::path>& files) {
 exit_status join_tables(const options& wanted) {
     refuse_to_overwrite_tables(wanted);
     const auto rows = check_tables(wanted.captures);
-    fleet_report report(wanted, wanted.table);
+    fleet_report report(wanted, wanted.table, {});
     for (const auto& file : wanted.captures) {
         fleet_table table(file);
         for (auto row = table.next(); row && !PLATFORM::interrupted(); row = table.next()) {

@@ -106,8 +106,9 @@ void add_run_options(CLI::App& app, command_line& line) {
 void add_fleet_options(CLI::App& app, command_line& line) {
     auto* const each = app.add_flag("--each", line.each,
                                     "Run each capture as a trace of its own, and those in\n"
-                                    "folders, with a line for each. --summary and --profile\n"
-                                    "name folders then, for those of every capture");
+                                    "folders, with a line for each. --summary, --profile\n"
+                                    "and --report name folders then, for those of every\n"
+                                    "capture; the latter gets an overview, index.html");
     app.add_flag("--recursive", line.recursive, "With --each, look into folders within folders")
         ->needs(each);
     app.add_option("--jobs", line.jobs,
@@ -202,6 +203,8 @@ void check_joining(const command_line& line) {
 void check_watching(const command_line& line) {
     refuse(line.table.empty(), "--watch needs --table, which says what captures are done");
     refuse(!line.profile.empty(), "--profile is not for --watch, which keeps summaries alone");
+    refuse(!line.report.empty(),
+           "--report is not for --watch; make one of its table with --from-tables");
     refuse(line.captures.size() != 1, "--watch is for one folder");
 }
 
@@ -209,8 +212,8 @@ void check_watching(const command_line& line) {
 void check_fleet(const command_line& line) {
     refuse(line.json, "--json goes with one stream of records; with --each, use --summary DIR");
     refuse(line.all, "--all goes with one stream of records, and not with --each");
-    refuse(!line.report.empty(),
-           "--report shows one stream of records; with --each there are several");
+    refuse(!line.compared.empty(),
+           "--compare sets one stream of records beside another; with --each there are several");
     refuse(std::ranges::count(line.captures, "-") != 0,
            "--each reads files and folders, and not the standard input");
 }

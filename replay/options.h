@@ -26,8 +26,8 @@ struct options {
     std::filesystem::path summary;
     /// Where the report as a web page goes; empty: nowhere.
     std::filesystem::path report;
-    /// Each capture a trace of its own; `summary` and `profile` are folders then, or empty for none
-    /// to be kept.
+    /// Each capture a trace of its own; `summary`, `profile` and `report` are folders then, or
+    /// empty for none to be kept.
     bool each = false;
     /// With each: also the folders within folders.
     bool recursive = false;

@@ -79,7 +79,7 @@ class watch_run {
           journal_(wanted.table),
           known_(journal_.take_captures()),
           scratch_(scratch_in_place(wanted.table)),
-          report_(checked(wanted, first_news_.files), {}) {}
+          report_(checked(wanted, first_news_.files), {}, {}) {}
 
     exit_status run() {
         PLATFORM::note_all_interruptions();
@@ -125,7 +125,7 @@ class watch_run {
     /// In any thread.
     void run(const fs::path& capture, std::size_t job) {
         const fs::path scratch = scratch_.path() / std::to_string(job);
-        const capture_files files{capture, scratch / "summary.json", scratch / "profile.json"};
+        const capture_files files{capture, scratch / "summary.json", scratch / "profile.json", {}};
         const auto row = row_of_run(program_, files, PLATFORM::interrupted);
         if (!row) {
             return;

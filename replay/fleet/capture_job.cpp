@@ -45,6 +45,10 @@ std::optional<capture_result> run_capture(const capture_program& program,
     make_place_for(files.summary);
     make_place_for(files.profile);
     auto arguments = program.arguments;
+    if (!files.page.empty()) {
+        make_place_for(files.page);
+        arguments.push_back("--report=" + text_of(files.page));
+    }
     for (const auto& argument :
          {std::string("--summary"), text_of(files.summary), std::string("--profile"),
           text_of(files.profile), std::string("--"), text_of(files.capture)}) {

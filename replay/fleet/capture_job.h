@@ -23,6 +23,8 @@ struct capture_files {
     /// What the program writes; what stands there from before is removed.
     std::filesystem::path summary;
     std::filesystem::path profile;
+    /// The same; empty for no page.
+    std::filesystem::path page;
 };
 
 /// Runs the program with the capture and waits for it, and ends it when it is to be given up.

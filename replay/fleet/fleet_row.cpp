@@ -299,6 +299,8 @@ constexpr std::array columns{
     column{"paging", [](const told_by& told) { return told.of_records("/measured/paging"); }},
     column{"area_updates", area_updates_of},
     column{"profile_written", profile_written},
+    // The last: see set_page.
+    column{"page", [](const told_by&) { return std::string(); }},
 };
 
 }  // namespace
@@ -316,6 +318,10 @@ fleet_row row_of(const std::string& capture, const capture_result& result) {
         row.push_back(column.cell(told));
     }
     return row;
+}
+
+void set_page(fleet_row& row, std::string page) {
+    row.back() = std::move(page);
 }
 
 const std::string& cell_of(const fleet_row& row, std::string_view column) {

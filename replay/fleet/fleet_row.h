@@ -29,6 +29,10 @@ using fleet_row = std::vector<std::string>;
 /// @param capture its name in the table
 fleet_row row_of(const std::string& capture, const capture_result& result);
 
+/// Names the capture's page.
+/// @param page its path below the folder of pages, with "/"
+void set_page(fleet_row& row, std::string page);
+
 /// A row's cell.
 /// @param column one of the names
 const std::string& cell_of(const fleet_row& row, std::string_view column);

@@ -16,4 +16,11 @@ inline std::string text_of(const std::filesystem::path& path) {
     return {text.begin(), text.end()};
 }
 
+/// The same with "/" between folders, as addresses have it.
+/// @throws as `text_of`
+inline std::string generic_text_of(const std::filesystem::path& path) {
+    const std::u8string text = path.generic_u8string();
+    return {text.begin(), text.end()};
+}
+
 }  // namespace KIVRA::TSHARK::REPLAY

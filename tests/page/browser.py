@@ -76,6 +76,12 @@ class Browser:
             return [...table.tBodies[0].rows].map((row) => [...row.cells].map((c) => c.textContent));
             """, section, caption)
 
+    def rows_of_facts(self, part="#heading"):
+        """The texts of a list of facts, by their names."""
+        return dict(self.run("""
+            return [...document.querySelectorAll(`${arguments[0]} dl.facts dt`)]
+                .map((name) => [name.textContent, name.nextSibling.textContent]);""", part))
+
     # The timeline
 
     def range(self):

@@ -61,7 +61,9 @@ TEST(command_line, takes_captures_behind_an_option_that_may_be_repeated) {
 }
 
 TEST(command_line, takes_each_capture_as_a_trace_of_its_own) {
-    const auto wanted = std::get<options>(read({"--each", "--recursive", "--jobs", "3", "lab"}));
+    const auto wanted = std::get<options>(
+        read({"--each", "--recursive", "--jobs", "3", "--report", "pages", "lab"}));
+    EXPECT_EQ(wanted.report, "pages");
     EXPECT_TRUE(wanted.each);
     EXPECT_TRUE(wanted.recursive);
     EXPECT_EQ(wanted.jobs, 3U);
@@ -70,13 +72,14 @@ TEST(command_line, takes_each_capture_as_a_trace_of_its_own) {
 }
 
 TEST(command_line, refuses_for_each_capture_what_is_of_one_stream) {
-    for (const std::vector<std::string>& wrong :
-         std::vector<std::vector<std::string>>{{"--json"}, {"--all"}, {"--report", "r.html"}}) {
+    for (const std::vector<std::string>& wrong : std::vector<std::vector<std::string>>{
+             {"--json"}, {"--all"}, {"--report", "pages", "--compare", "b.pcapng"}}) {
         auto arguments = wrong;
         arguments.insert(arguments.end(), {"--each", "a.pcapng"});
         EXPECT_THAT([&] { read(arguments); },
                     ThrowsMessage<std::runtime_error>(
-                        AllOf(HasSubstr(wrong.front()), HasSubstr("one stream of records"))));
+                        AllOf(HasSubstr(wrong.size() > 2 ? "--compare" : wrong.front()),
+                              HasSubstr("one stream of records"))));
     }
     EXPECT_THAT(
         [] {

@@ -133,7 +133,7 @@ TEST_F(each_capture, is_refused_where_two_would_have_one_file) {
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.error,
               "kivra-replay: lab/ltem_attach_psm.pcapng and lab/ltem_attach_psm.pcapng would have "
-              "the same file in the folder of --summary or --profile\n");
+              "the same file in the folder of --summary, --profile or --report\n");
     EXPECT_FALSE(fs::exists("p"));
 }
 
@@ -153,6 +153,86 @@ TEST_F(each_capture, is_a_row_of_the_table_that_is_not_written_over_a_capture) {
               HasSubstr("\r\nlab/ltem_attach_psm.pcapng,ok,,2025-11-24T16:00:00.000000Z,")));
     EXPECT_EQ(run_each({"lab", "--table", "lab/ltem_attach_psm.pcapng"}).status, 2);
     EXPECT_EQ(run_each({"lab", "--table", "missing/lab.csv"}).status, 2);
+}
+
+TEST_F(each_capture, has_a_page_that_is_that_of_a_run_of_its_own) {
+    ASSERT_EQ(
+        run_each({"lab", "--recursive", "-q", "--report", "made/pages", "--profile", "p"}).status,
+        0);
+    EXPECT_THAT(names_in("made/pages"),
+                ElementsAre("index.html", "ltem_attach_psm.pcapng.html", "night"));
+    ASSERT_EQ(run_replay({"-q", "--profile", "p/night/nbiot_attach.pcapng.profile.json", "--report",
+                          "own.html", "lab/night/nbiot_attach.pcapng"})
+                  .status,
+              0);
+    EXPECT_EQ(read_file("made/pages/night/nbiot_attach.pcapng.html"), read_file("own.html"));
+}
+
+TEST_F(each_capture, is_in_the_overview_and_in_the_table_with_its_page) {
+    ASSERT_EQ(
+        run_each({"lab", "--recursive", "-q", "--report", "pages", "--table", "t.csv"}).status, 0);
+    const auto overview = read_file("pages/index.html");
+    EXPECT_THAT(overview, AllOf(HasSubstr("[\"lab/ltem_attach_psm.pcapng\",\"ok\",0,"),
+                                HasSubstr(",\"ltem_attach_psm.pcapng.html\"],\n"),
+                                HasSubstr("[\"lab/night/nbiot_attach.pcapng\",0,0,"),
+                                HasSubstr(",\"night/nbiot_attach.pcapng.html\"]\n]"),
+                                HasSubstr("\"tshark\":\"TShark (Wireshark) "),
+                                HasSubstr("\"version\":\"" KIVRA_VERSION "\"")));
+    EXPECT_THAT(read_file("t.csv"), AllOf(HasSubstr(",yes,ltem_attach_psm.pcapng.html\r\n"),
+                                          HasSubstr(",yes,night/nbiot_attach.pcapng.html\r\n")));
+}
+
+TEST_F(each_capture, has_no_page_where_none_was_written) {
+    fs::create_directory("pages");
+    write_file("pages/missing.pcap.html", "of before");
+    const auto result = run_each({"missing.pcap", "lab", "--report", "pages", "--table", "t.csv"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(names_in("pages"), ElementsAre("index.html", "ltem_attach_psm.pcapng.html"));
+    EXPECT_THAT(read_file("t.csv"), HasSubstr("\r\nmissing.pcap,unreadable,"));
+    EXPECT_THAT(read_file("t.csv"), Not(HasSubstr("missing.pcap.html")));
+}
+
+TEST_F(each_capture, leaves_no_part_of_a_page_when_its_process_is_killed) {
+    fs::create_directory("bin");
+    write_file("bin/tshark",
+               "#!/bin/sh\n"
+               "if [ \"$1\" = --version ]; then exec /usr/bin/tshark --version; fi\n"
+               "ls pages > seen\n"
+               "kill -KILL $PPID\n");
+    fs::permissions("bin/tshark", fs::perms::owner_all);
+    const auto result = run_each({"lab", "--report", "pages", "--tshark-directory", "bin"});
+    EXPECT_THAT(result.output, StartsWith("lab/ltem_attach_psm.pcapng: crashed\n"));
+    EXPECT_EQ(read_file("seen"), "index.html\nltem_attach_psm.pcapng.html\n");
+    EXPECT_THAT(names_in("pages"), ElementsAre("index.html"));
+}
+
+TEST_F(each_capture, is_refused_where_its_page_would_be_the_overview) {
+    write_file("index", "");
+    const auto result = run_each({"index", "--report", "pages"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.error,
+              "kivra-replay: the page of index would be the overview's, index.html\n");
+    EXPECT_FALSE(fs::exists("pages"));
+}
+
+TEST_F(each_capture, is_refused_where_two_would_have_one_page) {
+    EXPECT_THAT(run_each({"lab", "lab", "--report", "pages"}).error,
+                HasSubstr("would have the same file"));
+}
+
+TEST_F(each_capture, is_not_written_over_by_the_overview) {
+    const auto image = read_file("lab/ltem_attach_psm.pcapng");
+    fs::rename("lab/ltem_attach_psm.pcapng", "lab/index.html");
+    EXPECT_EQ(run_each({"lab/index.html", "--report", "lab"}).status, 2);
+    EXPECT_EQ(read_file("lab/index.html"), image);
+}
+
+TEST_F(each_capture, is_not_run_where_the_overview_cannot_be_written) {
+    const auto result = run_each({"lab", "--report", "lab/ltem_attach_psm.pcapng"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.error,
+              "kivra-replay: can't write lab/ltem_attach_psm.pcapng/index.html: Not a directory\n");
 }
 
 TEST_F(each_capture, is_not_run_without_a_tshark) {

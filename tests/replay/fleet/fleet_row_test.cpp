@@ -32,5 +32,13 @@ TEST(fleet_row, tells_of_a_process_that_ended_in_another_way) {
     EXPECT_EQ(cell_of(row, "error"), "ended with status 139");
 }
 
+TEST(fleet_row, ends_with_the_page) {
+    auto row = row_of("lab/a.pcap", {.exit_status = 0, .error = {}, .summary = {}});
+    EXPECT_EQ(fleet_columns().back(), "page");
+    EXPECT_EQ(row.back(), "");
+    set_page(row, "lab/a.pcap.html");
+    EXPECT_EQ(row.back(), "lab/a.pcap.html");
+}
+
 }  // namespace
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -18,7 +18,7 @@ import unittest
 TREE = pathlib.Path(__file__).resolve().parents[3]
 REPLAY, COUNT = sys.argv[1], sys.argv[2]
 TEXTS = {"capture", "status", "begin", "end", "operator", "mcc_mnc", "psm", "apn", "pdn_type",
-         "emm_cause", "esm_cause", "profile_written"}
+         "emm_cause", "esm_cause", "profile_written", "page"}
 # Their texts are those of tshark, and of the analysis.
 HAVE_ERRORS = {"broken off", "unreadable", "no records"}
 
@@ -40,7 +40,7 @@ class table(unittest.TestCase):
         for jobs in ("2", "1"):
             name = f"{jobs}.csv"
             subprocess.run([REPLAY, "--each", "--recursive", "--quiet", "--jobs", jobs, "--table", name,
-                            "captures"], cwd=path, stderr=subprocess.DEVNULL, check=False)
+                            "--report", "pages", "captures"], cwd=path, stderr=subprocess.DEVNULL, check=False)
             cls.tables.append((path / name).read_bytes())
         text = cls.tables[0].decode()
         cls.rows = list(csv.DictReader(text.splitlines(), strict=True))
@@ -54,7 +54,7 @@ class table(unittest.TestCase):
                          [row["capture"] for row in self.expected])
         for row, wanted in zip(self.rows, self.expected):
             for column, cell in row.items():
-                if column == "error":
+                if column in ("error", "page"):
                     continue
                 with self.subTest(capture=row["capture"], column=column):
                     self.assertTrue(same(cell, wanted.get(column, "")),
@@ -67,6 +67,13 @@ class table(unittest.TestCase):
     def test_has_an_error_where_a_capture_broke(self):
         for row in self.rows:
             self.assertEqual(row["error"] != "", row["status"] in HAVE_ERRORS, row["capture"])
+
+    def test_names_the_page_of_each_capture(self):
+        for row in self.rows:
+            name = row["capture"].removeprefix("captures/")
+            self.assertEqual(row["page"], f"{name}.html")
+            page = pathlib.Path(self.folder.name, "pages", row["page"]).read_text()
+            self.assertIn(json.dumps(row["capture"], ensure_ascii=True), page)
 
     def test_is_the_same_whatever_the_jobs(self):
         self.assertEqual(self.tables[0], self.tables[1])
