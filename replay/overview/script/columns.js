@@ -5,10 +5,10 @@
  * and the width in rem.
  */
 const GROUPS = [
-  ["capture", true, [["capture", "capture", 20], ["status", "status", 14]]],
-  ["network", true, [["mcc_mnc", "network", 6], ["operator", "operator", 13]]],
+  ["capture", true, [["capture", "capture", 20], ["status", "status", 15]]],
+  ["network", true, [["mcc_mnc", "network", 7], ["operator", "operator", 13]]],
   ["PSM", true, [
-    ["psm", "PSM", 8], ["t3324_requested_s", "T3324 requested (s)", 7],
+    ["psm", "PSM", 9], ["t3324_requested_s", "T3324 requested (s)", 7],
     ["t3324_granted_s", "T3324 granted (s)", 7],
     ["t3412_extended_requested_s", "T3412 ext. requested (s)", 7.5],
     ["t3412_extended_granted_s", "T3412 ext. granted (s)", 7.5],

@@ -85,10 +85,9 @@ function addressOf(path) {
 
 const MOST_OF_A_NAME = 200;
 
-/** A capture's name, which leads to its page if it has one. */
-function captureLink(fleet, index, attributes = {}) {
-  const name = shortened(fleet.columns.get("capture").textAt(index), MOST_OF_A_NAME);
+/** A capture's name, or another text for it, which leads to its page if it has one. */
+function captureLink(fleet, index, attributes = {}, text = fleet.columns.get("capture").textAt(index)) {
   const page = fleet.columns.get("page").textAt(index);
-  return page === "" ? element("span", {}, name)
-    : element("a", {...attributes, href: addressOf(page)}, name);
+  return element(page === "" ? "span" : "a", {...attributes, href: page === "" ? undefined : addressOf(page)},
+    shortened(text, MOST_OF_A_NAME));
 }

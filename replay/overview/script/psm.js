@@ -40,10 +40,16 @@ function shortTime(text) {
   return element("span", {class: "short"}, text.replace(/\.\d+Z$/, "Z"));
 }
 
+/** A link that is called by the file's name alone. */
+function shortLink(fleet, index) {
+  const path = fleet.columns.get("capture").textAt(index);
+  return captureLink(fleet, index, {title: shortened(path, MOST_OF_A_NAME)}, path.split(/[\\/]/).pop());
+}
+
 function psmTable(caption, groups, fleet, list) {
   return table(caption, ["PSM", "network", "operator", "captures", "first seen", "last seen", "which"],
     groups.map(({outcome, network, operator, captures, first, last}) => {
-      const links = captures.slice(0, MOST_NAMED).flatMap((index) => [captureLink(fleet, index), element("br")]);
+      const links = captures.slice(0, MOST_NAMED).flatMap((index) => [shortLink(fleet, index), element("br")]);
       const show = element("button", {
         type: "button", class: "link", onclick: () => list.only({psm: outcome, mcc_mnc: network}),
         "aria-label": `show ${plural(captures.length, "capture")}: ${outcome}, network ${network || "unknown"}`,
