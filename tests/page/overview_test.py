@@ -224,9 +224,10 @@ class lists(OverviewTest):
 
     def test_find_what_stands_in_any_cell(self):
         self.assertNotIn("apn", self.heads())
-        self.search("IOT.LAB")
-        self.assertEqual(self.names(), [row["capture"] for row in self.rows if "iot.lab" in row["apn"]])
-        self.assertGreater(len(self.names()), 1)
+        for text, column, part in (("IOT.LAB", "apn", "iot.lab"), (" vodafone", "operator", "Vodafone")):
+            self.search(text)
+            self.assertEqual(self.names(), [row["capture"] for row in self.rows if part in row[column]])
+            self.assertGreater(len(self.names()), 1)
 
     def test_find_nothing_where_nothing_is(self):
         self.search("nothing has this")
@@ -337,6 +338,12 @@ class histograms(OverviewTest):
         chip = self.browser.find(".chips button")
         self.assertIn("T3412 ext. granted (s): ", chip.text)
         chip.click()
+        self.assertEqual(self.count(), f"{COUNT} captures")
+        self.assertEqual(self.bar(HISTOGRAMS[1], 0).get_attribute("aria-pressed"), "false")
+
+    def test_end_their_filter_where_all_is_shown(self):
+        self.bar(HISTOGRAMS[1], 0).click()
+        self.browser.find("#captures .tools > button").click()
         self.assertEqual(self.count(), f"{COUNT} captures")
         self.assertEqual(self.bar(HISTOGRAMS[1], 0).get_attribute("aria-pressed"), "false")
 

@@ -40,7 +40,7 @@ class overviews : public TESTING::scratch_test {
 
     /// What a block of data holds, as it stands.
     static std::string block(const std::string& page, const std::string& name) {
-        const std::string begin = "<script type=\"application/json\" class=\"" + name + "\">";
+        const std::string begin = R"(<script type="application/json" class=")" + name + "\">";
         const auto place = page.find(begin) + begin.size();
         return page.substr(place, page.find("</script>", place) - place);
     }
