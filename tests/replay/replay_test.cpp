@@ -534,6 +534,25 @@ TEST_F(kivra_replay, stops_waiting_for_input_when_interrupted) {
     EXPECT_EQ(result.error, "1 record, 0 failed\n");
 }
 
+TEST_F(kivra_replay, ends_at_once_at_the_second_interruption) {
+    write_tshark("bin", "echo started > started; exec cat endless\n");
+    write_capture("c.pcapng", {ip_packet});
+    const auto result = run_process(
+        {"/bin/bash", "-c",
+         "mkfifo endless started\n"
+         "exec 8<>endless 9<>started\n" KIVRA_REPLAY
+         " c.pcapng --tshark-directory bin --plugin " KIVRA_PLUGIN " >/dev/null &\n"
+         "read -r line <&9\n"
+         "kill -INT $!\n"
+         // Two that come at once are one. The first one has come when the next is not caught.
+         "caught() { (( 0x$(sed -n 's/^SigCgt:\t//p' /proc/$1/status) & 2 )); }\n"
+         "while caught $!; do :; done\n"
+         "kill -INT $!\n"
+         "wait $!\n"});
+    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.error, "");
+}
+
 TEST_F(kivra_replay, calls_the_plugin_in_order) {
     write_capture("c.pcapng", {{exported_pdu_image("log", "one"), 7},
                                nameless_packet,
@@ -731,6 +750,14 @@ TEST_F(kivra_replay, complains_of_closed_standard_streams) {
     const auto result = run_process({"/bin/bash", "-c", KIVRA_REPLAY " - <&-"});
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.error, StartsWith("kivra-replay: can't read standard input: "));
+}
+
+TEST_F(kivra_replay, keeps_its_errors_out_of_the_report_when_they_have_no_stream) {
+    write_capture("c.pcapng", {ip_packet});
+    const auto result =
+        run_process({"/bin/bash", "-c", KIVRA_REPLAY " c.pcapng --json --output report 2>&-"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(one_line(read_file("report")));
 }
 
 TEST_F(kivra_replay, cancels_and_releases_when_its_output_can_not_be_written) {

@@ -61,6 +61,14 @@ TEST_F(each_capture, leaves_nothing_behind_unless_told_to) {
     EXPECT_THAT(names_in("lab"), ElementsAre("ltem_attach_psm.pcapng", "night"));
 }
 
+TEST_F(each_capture, leaves_nothing_behind_when_nobody_reads_the_lines) {
+    constexpr int ended_by_sigpipe = -13;
+    const auto result = run_each({"lab"}, {.output_has_no_reader = true});
+    EXPECT_EQ(result.status, ended_by_sigpipe);
+    EXPECT_EQ(result.error, "");
+    EXPECT_THAT(names_in("tmp"), IsEmpty());
+}
+
 TEST_F(each_capture, keeps_summaries_and_profiles_that_are_those_of_a_run_of_its_own) {
     ASSERT_EQ(run_each({"lab", "--recursive", "-q", "--summary", "s", "--profile", "p"}).status, 0);
     EXPECT_THAT(names_in("s"), ElementsAre("ltem_attach_psm.pcapng.summary.json", "night"));
