@@ -183,6 +183,30 @@ class replay_below_wine(unittest.TestCase):
             self.copy(f"{sample}.pcapng", sample)
         self.assertEqual(self.replay("--json", *SAMPLES).returncode, 0)
 
+    def test_each_of_many_captures(self):
+        for sample in SAMPLES:
+            self.copy(f"{sample}.pcapng", sample)
+        self.write("broken", b"no capture at all")
+        result = self.replay("--each", "--jobs", "2", "--table", "table.csv", *SAMPLES, "broken")
+        self.assertEqual(result.returncode, 1)
+        result = self.replay("--each", "--from-tables", "table.csv", tshark=False)
+        self.assertEqual(result.returncode, 1)
+
+    def test_pages_of_many_captures(self):
+        for sample in SAMPLES:
+            self.copy(f"{sample}.pcapng", sample)
+        result = self.windows(REPLAY, "--each", "--report", "pages", "--tshark-directory", TSHARK,
+                              *SAMPLES)
+        self.assertEqual(result.returncode, 0)
+        self.assertEqual({name for name in files_in(self.folders[0]) if name.startswith("pages")},
+                         {f"pages/{name}.html" for name in ("index", *SAMPLES)})
+
+    def test_following_a_folder(self):
+        result = self.windows(REPLAY, "--each", "--watch", "--table", "table.csv",
+                              "--tshark-directory", TSHARK, ".")
+        self.assertEqual(result.returncode, 2)
+        self.assertIn(b"folders can't be watched on this system", result.stderr)
+
     def test_the_plugin(self):
         for folder, build, suffix in zip(self.folders, (BUILD, NATIVE_BUILD), ("dll", "so")):
             shutil.copy(build / f"kivra-tshark-sink.{suffix}", folder / "plugin ä.dll")
