@@ -200,6 +200,12 @@ TEST_F(each_capture, has_no_page_where_none_was_written) {
     EXPECT_THAT(read_file("t.csv"), Not(HasSubstr("missing.pcap.html")));
 }
 
+TEST_F(each_capture, does_not_take_a_page_that_stood_there_before) {
+    ASSERT_EQ(run_each({"lab", "-q", "--report", "pages"}).status, 0);
+    EXPECT_EQ(run_each({"lab", "-q", "--report", "pages", "--plugin", "missing.so"}).status, 2);
+    EXPECT_THAT(names_in("pages"), ElementsAre("index.html"));
+}
+
 TEST_F(each_capture, leaves_no_part_of_a_page_when_its_process_is_killed) {
     fs::create_directory("bin");
     write_file("bin/tshark",

@@ -1,5 +1,7 @@
 #include "replay/page/page_file.h"
 
+#include <stdexcept>
+
 #include <gtest/gtest.h>
 
 #include "tests/support/files.h"
@@ -35,6 +37,11 @@ TEST_F(page_files, are_not_whole_where_there_is_less_than_an_end) {
     TESTING::write_file("page.html", "tail>");
     EXPECT_FALSE(is_whole_page("page.html", frame));
     EXPECT_FALSE(is_whole_page("missing.html", frame));
+}
+
+TEST_F(page_files, notice_a_last_write_that_fails) {
+    // So little that it is written with the end.
+    EXPECT_THROW(page_file("/dev/full", frame).finish(), std::runtime_error);
 }
 
 }  // namespace
