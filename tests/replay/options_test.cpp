@@ -150,6 +150,12 @@ TEST(command_line, takes_one_folder_and_a_table_to_watch) {
             read({"--each", "--watch", "lab", "--table", "t.csv", "--profile", "p"});
         },
         ThrowsMessage<std::runtime_error>(HasSubstr("--profile is not for --watch")));
+    EXPECT_THAT(
+        [] {
+            read({"--each", "--watch", "lab", "--table", "t.csv", "--report", "r"});
+        },
+        ThrowsMessage<std::runtime_error>(
+            "--report is not for --watch; make one of its table with --from-tables"));
 }
 
 TEST(command_line, takes_short_forms) {

@@ -81,6 +81,25 @@ TEST_F(joined_tables, have_their_rows_in_the_order_given) {
               table_of(row_for("0.pcap") + row_for("1.pcap") + row_for("2, \"new\"\r\nlab.pcap")));
 }
 
+TEST_F(joined_tables, have_an_overview_that_leads_to_the_pages_of_the_runs) {
+    fs::create_directory("lab");
+    fs::copy_file(capture_file("nbiot_attach.pcapng"), "lab/nbiot.pcapng");
+    run_replay({"--each", "lab", "--table", "lab.csv", "--report", "pages"});
+    fs::remove("pages/index.html");
+    EXPECT_EQ(join({"lab.csv", "-q", "--report", "pages"}).status, 0);
+    EXPECT_THAT(read_file("pages/index.html"), HasSubstr("\"nbiot.pcapng.html\""));
+    EXPECT_TRUE(fs::exists("pages/nbiot.pcapng.html"));
+}
+
+TEST_F(joined_tables, are_not_written_over_by_an_overview) {
+    fs::create_directory("pages");
+    fs::copy_file("a.csv", "pages/index.html");
+    const auto result = join({"pages/index.html", "--report", "pages"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.error, "kivra-replay: pages/index.html is a table to read, not to write\n");
+    EXPECT_EQ(read_file("pages/index.html"), read_file("a.csv"));
+}
+
 TEST_F(joined_tables, may_have_a_capture_twice_that_one_run_had_twice) {
     write_file("twice.csv", table_of(row_for("3.pcap") + row_for("3.pcap")));
     EXPECT_THAT(join({"twice.csv"}).output, HasSubstr("ok                         2\n"));
