@@ -536,7 +536,7 @@ TEST_F(kivra_replay, stops_waiting_for_input_when_interrupted) {
 
 TEST_F(kivra_replay, ends_at_once_at_the_second_interruption) {
     write_tshark("bin", "echo started > started; exec cat endless\n");
-    write_capture("c.pcapng", {ip_packet});
+    write_capture("c.pcapng", {system_information("nbiot_attach.pcapng")});
     const auto result = run_process(
         {"/bin/bash", "-c",
          "mkfifo endless started\n"
