@@ -35,7 +35,7 @@ void process_output(benchmark::State& state, const char* sample) {
     sink_context context(nullptr, nullptr, "tshark", "output-that-never-exists", {});
     const std::string output = BENCH::sample_output(sample);
     while (state.KeepRunning()) {
-        benchmark::DoNotOptimize(process_output(context, output));
+        benchmark::DoNotOptimize(ANALYSIS::process_output(context, output));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(output.size()));
 }

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -20,7 +21,7 @@
 #include "bench/bare_tshark.h"
 #include "data/embedded_operators.h"
 #include "platform/platform.h"
-#include "replay/input/capture.h"
+#include "replay/input/open_capture.h"
 #include "replay/runner/plugin.h"
 #include "sink/tshark_discovery.h"
 
@@ -49,10 +50,12 @@ std::int64_t nanoseconds_of(const Work& work) {
 }
 
 /// @param number counted from 1
-REPLAY::trace_record record_of(REPLAY::capture& source, int number) {
+REPLAY::trace_record record_of(const char* capture_file, const std::filesystem::path& tshark,
+                               int number) {
+    const auto source = REPLAY::open_capture(capture_file, tshark, {}, {});
     std::optional<REPLAY::trace_record> found;
     for (int i = 0; i < number; ++i) {
-        found = source.next();
+        found = source->next();
     }
     if (!found) {
         throw std::runtime_error("the capture has no such record");
@@ -80,11 +83,10 @@ constexpr auto bare_output = "bare.json";
 void compare_data_calls(const std::shared_ptr<const REPLAY::plugin>& loaded,
                         const char* tshark_directory, int pairs, const char* capture_file,
                         int record_number) {
-    REPLAY::capture source(capture_file);
-    const auto record = record_of(source, record_number);
-    write_capture(bare_capture, record);
     const auto tshark = SINK::tshark_executable(tshark_directory);
-    REPLAY::plugin_sink target(loaded, tshark_directory, profile_file);
+    const auto record = record_of(capture_file, tshark, record_number);
+    write_capture(bare_capture, record);
+    REPLAY::plugin_sink target(loaded, tshark_directory, tshark, profile_file);
 
     const auto data_call = [&] { run_record(target, record); };
     const auto bare = [&] { BENCH::run_bare_tshark(tshark, bare_capture, bare_output); };
@@ -101,11 +103,10 @@ void compare_session(const std::shared_ptr<const REPLAY::plugin>& loaded,
                      const char* tshark_directory, int turns, const char* capture_file,
                      int record_number) {
     constexpr int calls_a_turn = 50;
-    REPLAY::capture source(capture_file);
-    const auto record = record_of(source, record_number);
-    write_capture(bare_capture, record);
     const auto tshark = SINK::tshark_executable(tshark_directory);
-    REPLAY::plugin_sink target(loaded, tshark_directory, profile_file, true);
+    const auto record = record_of(capture_file, tshark, record_number);
+    write_capture(bare_capture, record);
+    REPLAY::plugin_sink target(loaded, tshark_directory, tshark, profile_file, true);
     run_record(target, record);
     for (int i = 0; i < turns; ++i) {
         std::cout << nanoseconds_of(
@@ -120,12 +121,14 @@ void compare_session(const std::shared_ptr<const REPLAY::plugin>& loaded,
 /// The plug-in is loaded anew for each turn, and what a turn makes is gone before the next begins,
 /// outside of the times.
 void compare_inits(const char* plugin_file, const char* tshark_directory, int turns) {
+    const auto tshark = SINK::tshark_executable(tshark_directory);
     for (int i = 0; i < turns; ++i) {
         const auto loaded = std::make_shared<const REPLAY::plugin>(plugin_file);
         std::optional<REPLAY::plugin_sink> first;
         std::optional<REPLAY::plugin_sink> second;
         const auto time_of = [&](std::optional<REPLAY::plugin_sink>& target) {
-            return nanoseconds_of([&] { target.emplace(loaded, tshark_directory, profile_file); });
+            return nanoseconds_of(
+                [&] { target.emplace(loaded, tshark_directory, tshark, profile_file); });
         };
         const auto first_time = time_of(first);
         const auto second_time = time_of(second);
@@ -143,10 +146,11 @@ std::size_t heap_in_use() {
 
 void show_heap_of_contexts(const std::shared_ptr<const REPLAY::plugin>& loaded,
                            const char* tshark_directory) {
+    const auto tshark = SINK::tshark_executable(tshark_directory);
     const auto before = heap_in_use();
-    const REPLAY::plugin_sink first(loaded, tshark_directory, profile_file);
+    const REPLAY::plugin_sink first(loaded, tshark_directory, tshark, profile_file);
     const auto with_first = heap_in_use();
-    const REPLAY::plugin_sink second(loaded, tshark_directory, profile_file);
+    const REPLAY::plugin_sink second(loaded, tshark_directory, tshark, profile_file);
     const auto with_second = heap_in_use();
     std::cout << with_first - before << ' ' << with_second - with_first << '\n';
 }
