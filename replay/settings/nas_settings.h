@@ -10,13 +10,13 @@
 namespace KIVRA::TSHARK::REPLAY {
 
 /// The messages that carry settings, by their types (24.301, 9.8), and whose they are.
-struct nas_message {
+struct settings_message {
     std::uint8_t type;
     places where;
 };
 
 /// EPS mobility management. A detach request (0x45) is either's; see `settings_of`.
-inline constexpr auto emm_settings_messages = std::to_array<nas_message>({
+inline constexpr auto emm_settings_messages = std::to_array<settings_message>({
     {0x41, in_nas_request},  // attach request
     {0x42, in_nas_answer},   // attach accept
     {0x44, in_nas_answer},   // attach reject
@@ -29,7 +29,7 @@ inline constexpr auto emm_settings_messages = std::to_array<nas_message>({
 });
 
 /// EPS session management.
-inline constexpr auto esm_settings_messages = std::to_array<nas_message>({
+inline constexpr auto esm_settings_messages = std::to_array<settings_message>({
     {0xc1, in_nas_answer},   // activate default EPS bearer context request
     {0xc3, in_nas_request},  // activate default EPS bearer context reject
     {0xc9, in_nas_answer},   // modify EPS bearer context request

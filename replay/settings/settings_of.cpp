@@ -64,13 +64,13 @@ bool is_setup(std::string_view field) {
 }
 
 template <std::size_t Count>
-places place_of(const std::array<nas_message, Count>& messages, const json& type) {
+places place_of(const std::array<settings_message, Count>& messages, const json& type) {
     const auto* text = type.get_ptr<const std::string*>();
     std::string_view digits = text == nullptr ? std::string_view() : *text;
     const int base = drop_prefix(digits, "0x") ? 16 : 10;
     std::uint8_t number = 0;
     std::from_chars(digits.data(), digits.data() + digits.size(), number, base);
-    const auto message = std::ranges::find(messages, number, &nas_message::type);
+    const auto message = std::ranges::find(messages, number, &settings_message::type);
     return message == messages.end() ? places{0} : message->where;
 }
 
