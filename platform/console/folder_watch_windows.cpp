@@ -6,6 +6,7 @@ namespace KIVRA::TSHARK::PLATFORM {
 
 struct folder_watch::state {};
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): elsewhere they are kept
 folder_watch::folder_watch(std::filesystem::path /*folder*/, watched_names /*names*/) {
     throw std::runtime_error("folders can't be watched on this system");
 }
