@@ -23,14 +23,14 @@ from make_captures import exported
 START = 1_790_000_000_000_000
 SECOND = 1_000_000
 
-# Codes, as a message has them, and names; the last is in no list, so its accepts fail.
+# Codes, as a message has them, and names. The last has no country in the list, so its accepts fail.
 NETWORKS = (
     ("262/02", "62f220", "Vodafone D2 GmbH, Germany"),
     ("232/01", "32f210", "A1 Telekom Austria, Austria"),
     ("262/03", "62f230", "Telefónica Germany GmbH & Co. oHG, Germany"),
-    ("001/01", "00f110", None),
+    ("001/01", "00f110", "Test network"),
 )
-UNLISTED = NETWORKS[-1]
+UNREAD = NETWORKS[-1]
 
 # An octet and its seconds (3GPP TS 24.008, 10.5.7.3, 10.5.7.4 and 10.5.7.4a); None: deactivated.
 T3324 = ((0x01, 2), (0x05, 10), (0x1E, 60), (0x22, 120), (0x44, 1440), (0xE0, None))
@@ -159,7 +159,7 @@ class maker:
                                "deactivated" if seconds is None else "granted")
         if seconds is not None:
             self.row["t3324_granted_s"] = seconds
-        failed = network == UNLISTED[1]
+        failed = network == UNREAD[1]
         if self.choice.randrange(5) == 0:
             self.update(when + 0.25, network, area, active is not None)
             failed *= 2
