@@ -422,6 +422,21 @@ TEST_F(piped_processes_on_posix, are_waited_for_until_they_take_input) {
     EXPECT_GT(process->exchange(much, {}, /*wait=*/false).written, 0U);
 }
 
+TEST_F(piped_processes_on_posix, print_to_a_host_that_sleeps_since_they_take_no_input) {
+    const auto process = start_script(R"(
+        until [ -e full ]; do :; done
+        until grep -q '^[0-9]* (.*) S' "/proc/$PPID/stat"; do :; done
+        echo x
+        mkfifo silent
+        exec cat silent)");
+    const std::string much(1'000'000, 'x');
+    while (process->exchange(much, {}, /*wait=*/false).written != 0) {
+    }
+    TESTING::write_file("full", "");
+    std::array<char, 10> room{};
+    EXPECT_EQ(process->exchange(much, room, /*wait=*/true).read, 2U);
+}
+
 TEST_F(piped_processes_on_posix, are_waited_for_until_something_else_is_ready) {
     const auto process = start_script("exec cat");
     std::array<int, 2> ends{};
