@@ -160,6 +160,9 @@ class each_run {
 
 capture_program program_for(const options& wanted) {
     std::vector<std::string> arguments{"--quiet"};
+    if (wanted.profile.empty()) {
+        arguments.emplace_back("--temporary-profile");
+    }
     if (!wanted.plugin.empty()) {
         arguments.push_back("--plugin=" + text_of(wanted.plugin));
     }

@@ -41,6 +41,7 @@ struct command_line {
     std::string plugin;
     std::string tshark_directory;
     std::string profile;
+    bool temporary_profile = false;
     std::vector<std::string> user_link_types;
     std::vector<std::string> tshark_options;
     std::vector<std::string> captures;
@@ -101,6 +102,8 @@ void add_run_options(CLI::App& app, command_line& line) {
     add_place(app, "--profile", "FILE", line.profile,
               "The power-profile parameter file to write\n"
               "(default: kivra-profile.json)");
+    // For the runs of --each: a group without a name is not in the help.
+    app.add_flag("--temporary-profile", line.temporary_profile)->group("");
 }
 
 void add_fleet_options(CLI::App& app, command_line& line) {
@@ -236,6 +239,7 @@ options options_of(const command_line& line) {
                    .tshark_directory = path_of(line.tshark_directory),
                    .profile = path_of(line.profile.empty() && !line.each ? "kivra-profile.json"
                                                                          : line.profile),
+                   .temporary_profile = line.temporary_profile,
                    .output = path_of(line.output),
                    .summary = path_of(line.summary),
                    .report = path_of(line.report),

@@ -20,6 +20,8 @@ struct options {
     std::filesystem::path tshark_directory;
     /// The power-profile parameter file to write.
     std::filesystem::path profile;
+    /// Whether the profile goes when the run has ended, so that reports do not name it.
+    bool temporary_profile = false;
     /// Where the report goes; empty: the standard output.
     std::filesystem::path output;
     /// Where the summary goes as JSON; empty: nowhere.

@@ -224,7 +224,7 @@ class capture_group {
                   const fs::path& tshark)
         : wanted_(wanted),
           tshark_(tshark),
-          profile_(profile),
+          profile_(profile, wanted.temporary_profile),
           runner_(runner_for(wanted, profile, directory, tshark)) {}
 
     const profile_file& profile() const { return profile_; }

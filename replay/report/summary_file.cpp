@@ -125,7 +125,10 @@ json measured_of(const connection_log& log) {
 }
 
 json profile_of(const run_totals& totals, const profile_file& profile) {
-    json object{{"file", text_of(profile.path())}, {"written", profile.written()}};
+    json object{{"written", profile.written()}};
+    if (!profile.is_temporary()) {
+        object["file"] = text_of(profile.path());
+    }
     if (!profile.written()) {
         object["reason"] = profile.obstacle().value_or(reason_for_no_profile(totals));
         return object;

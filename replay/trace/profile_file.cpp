@@ -25,8 +25,8 @@ std::optional<fs::file_time_type> write_time(const fs::path& file) {
 
 }  // namespace
 
-profile_file::profile_file(fs::path path)
-    : path_(std::move(path)), former_write_time_(write_time(path_)) {}
+profile_file::profile_file(fs::path path, bool temporary)
+    : path_(std::move(path)), temporary_(temporary), former_write_time_(write_time(path_)) {}
 
 bool profile_file::written() const {
     std::error_code missing;

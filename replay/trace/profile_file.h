@@ -20,9 +20,11 @@ using profile_content = std::vector<profile_value>;
 /// Watches a file from the object's creation, before the run, on.
 class profile_file {
   public:
-    explicit profile_file(std::filesystem::path path);
+    /// @param temporary whether the file goes when the run has ended
+    explicit profile_file(std::filesystem::path path, bool temporary = false);
 
     const std::filesystem::path& path() const { return path_; }
+    bool is_temporary() const { return temporary_; }
 
     /// Whether the file was written since the object was created.
     bool written() const;
@@ -35,6 +37,7 @@ class profile_file {
 
   private:
     std::filesystem::path path_;
+    bool temporary_;
     std::optional<std::filesystem::file_time_type> former_write_time_;
 };
 

@@ -120,6 +120,11 @@ class figures(PageTest):
               str(entry["in_force"]["record"]), str(entry["changes"])]
              for entry in summary["settings"]])
 
+    def test_names_no_profile_that_is_not_kept(self):
+        self.open("temporary", "--temporary-profile", LTEM)
+        for place in ("#answers", "#profile"):
+            self.assertIn("ritten for this report, and not kept", self.browser.find(place).text)
+
     def expect_profile(self, summary):
         self.assertEqual(self.browser.rows("profile", "Values from the trace"), [
             [entry["member"], entry["value"], str(entry["record"]), entry.get("truth", ""),

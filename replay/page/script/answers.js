@@ -62,11 +62,17 @@ function answerCard(run, [title, questions]) {
     rows.length > 0 ? element("dl", {}, ...rows) : note("Nothing in the trace."));
 }
 
+/** Where the profile is, for people. */
+function fileOf(profile) {
+  return profile.file ?? (profile.written ? "for this report, and not kept" : "");
+}
+
 function profileCard(run) {
-  const {written, file, reason, from_the_trace: members} = run.summary.profile;
+  const {profile} = run.summary;
+  const {written, reason, from_the_trace: members} = profile;
   const differing = (members || []).filter((member) => member.difference).length;
   return element("article", {class: "card"}, element("h3", {}, "Profile"),
-    element("p", {}, element("strong", {}, written ? "written" : "not written"), ` ${file}`),
+    element("p", {}, element("strong", {}, written ? "written" : "not written"), ` ${fileOf(profile)}`),
     element("p", {}, written
       ? `${plural(members.length, "value")} from the trace, ${differing} of them not what was meant`
       : reason));

@@ -70,9 +70,10 @@ function compareMeasured(place, runs) {
 
 function compareProfiles(place, runs) {
   for (const run of runs) {
-    const {written, file, reason} = run.summary.profile;
+    const {profile} = run.summary;
+    const {written, reason} = profile;
     place.append(element("p", {}, `${runName(run)}: `, element("strong", {}, written ? "written" : "not written"),
-      ` ${file}`, written ? "" : `. ${reason}`));
+      ` ${fileOf(profile)}`, written ? "" : `. ${reason}`));
   }
   const values = runs.map(({summary}) => new Map(Object.entries(summary.profile.values || {})));
   if (keysOf(...values).length > 0) {

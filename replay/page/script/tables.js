@@ -75,7 +75,7 @@ function showMeasured(place, run) {
 function showProfile(place, run) {
   const {profile} = run.summary;
   place.append(element("p", {}, element("strong", {}, profile.written ? "Written" : "Not written"),
-    ` ${profile.file}`));
+    ` ${fileOf(profile)}`));
   if (!profile.written) {
     place.append(element("p", {}, profile.reason));
     return;

@@ -176,6 +176,19 @@ TEST_F(each_capture, has_a_page_that_is_that_of_a_run_of_its_own) {
     EXPECT_EQ(read_file("made/pages/night/nbiot_attach.pcapng.html"), read_file("own.html"));
 }
 
+TEST_F(each_capture, has_the_same_page_and_summary_in_every_run_that_keeps_no_profile) {
+    for (const char* run : {"1", "2"}) {
+        ASSERT_EQ(run_each({"lab", "-q", "--report", run, "--summary", run}).status, 0);
+    }
+    for (const char* ending : {".html", ".summary.json"}) {
+        const std::string name = std::string("/ltem_attach_psm.pcapng") + ending;
+        EXPECT_EQ(read_file('1' + name), read_file('2' + name));
+    }
+    const auto profile = read_json("1/ltem_attach_psm.pcapng.summary.json").at("profile");
+    EXPECT_FALSE(profile.contains("file"));
+    EXPECT_EQ(profile.at("written"), true);
+}
+
 TEST_F(each_capture, is_in_the_overview_and_in_the_table_with_its_page) {
     ASSERT_EQ(
         run_each({"lab", "--recursive", "-q", "--report", "pages", "--table", "t.csv"}).status, 0);

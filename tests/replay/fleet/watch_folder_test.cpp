@@ -288,9 +288,7 @@ TEST_F(watched_captures, have_the_summaries_of_runs_of_their_own) {
     auto own = read_json("own.json");
     own["profile"].erase("file");
     for (const char* file : {"s/1/a.pcapng.summary.json", "s/1/night/b.pcapng.summary.json"}) {
-        auto summary = read_json(file);
-        summary["profile"].erase("file");
-        EXPECT_EQ(summary, own);
+        EXPECT_EQ(read_json(file), own);
     }
 }
 

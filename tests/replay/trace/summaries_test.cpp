@@ -81,6 +81,13 @@ TEST_F(summaries, of_an_nb_iot_attach_follow_the_schema) {
     EXPECT_EQ(complaints(), "");
 }
 
+TEST_F(summaries, of_a_run_that_keeps_no_profile_follow_the_schema) {
+    run_replay({"-q", "--temporary-profile", "--summary", "summary.json",
+                capture_file("nbiot_attach.pcapng")});
+    EXPECT_EQ(complaints(), "");
+    EXPECT_FALSE(read_json("summary.json").at("profile").contains("file"));
+}
+
 TEST_F(summaries, of_an_hour_follow_the_schema) {
     EXPECT_EQ(summarise(fs::path(KIVRA_HOUR) / "hour.pcapng"), 0);
     EXPECT_EQ(complaints(), "");
