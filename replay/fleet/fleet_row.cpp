@@ -92,17 +92,21 @@ class told_by {
                    : std::string();
     }
 
-    /// What an accept granted, and a later one did not: it ends then (24.301, 5.3.11 and 5.3.12).
-    /// Accepts are known by their T3412.
-    bool has_ended(std::string_view name) const {
+    /// The last accept of an attach or a tracking area update; 0 for none.
+    std::uint64_t accepted_in() const {
+        return result_.summary ? result_.summary->at("registration").value("accepted_in", 0U) : 0;
+    }
+
+    /// Whether an accept granted it, and a later one did not. What ends with the registration alone
+    /// was granted all the same.
+    bool is_left_out(std::string_view name) const {
         const json* const given = setting(name, granted);
-        const json* const accept = setting("T3412", granted);
-        return given != nullptr && accept != nullptr &&
-               accept->at("last_record") > given->at("last_record");
+        const std::uint64_t ended_in = given == nullptr ? 0 : given->value("ended_in", 0U);
+        return ended_in != 0 && ended_in <= accepted_in();
     }
 
     std::string granted_number(std::string_view name) const {
-        return has_ended(name) ? std::string() : number(name, granted, "s");
+        return is_left_out(name) ? std::string() : number(name, granted, "s");
     }
 
     /// How many messages came whose name begins so.
@@ -177,7 +181,7 @@ std::string tracking_area_of(const told_by& told) {
 
 std::string psm_of(const told_by& told) {
     const bool asked = !told.number("T3324", requested, "s").empty();
-    if (told.has_ended("T3324")) {
+    if (told.is_left_out("T3324")) {
         return "ended";
     }
     if (!told.number("T3324", granted, "s").empty()) {
@@ -187,12 +191,9 @@ std::string psm_of(const told_by& told) {
         return "deactivated";
     }
     if (asked) {
-        const json* const accept = told.setting("T3412", granted);
-        return accept != nullptr &&
-                       accept->at("last_record") >
-                           told.setting("T3324", requested)->at("in_force").at("record")
-                   ? "not granted"
-                   : "no answer";
+        const json* const request = told.setting("T3324", requested);
+        return request->at("in_force").at("record") < told.accepted_in() ? "not granted"
+                                                                         : "no answer";
     }
     const bool there_was_a_request =
         told.messages("Attach request") + told.messages("Tracking area update request") != 0;

@@ -106,8 +106,10 @@ void extracted_capture::explain_user_link_type() const {
 
 trace_record extracted_capture::handed_out(extracted_record record) {
     current_ = std::move(record);
-    return {
-        .timestamp = current_.timestamp, .format = current_.format, .payload = current_.payload};
+    return {.timestamp = current_.timestamp,
+            .format = current_.format,
+            .payload = current_.payload,
+            .carried_nas_is_record = true};
 }
 
 capture_content extracted_capture::content() const {

@@ -23,6 +23,24 @@ const json* find_layer(const json& layers, std::initializer_list<const char*> na
     return nullptr;
 }
 
+/// The object with the layer of the NAS message that an RRC message carries; null when there is
+/// none.
+// NOLINTNEXTLINE(misc-no-recursion): the number of levels limits the depth
+const json* find_carried_nas(const json& tree, int levels) {
+    if (levels == 0 || !tree.is_object()) {
+        return nullptr;
+    }
+    if (find_layer(tree, {"nas-eps", "nas_eps"}) != nullptr) {
+        return &tree;
+    }
+    for (const auto& member : tree) {
+        if (const json* const found = find_carried_nas(member, levels - 1)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
 message_description describe_layers(const json& layers) {
     if (const json* const rrc = find_layer(layers, {"lte_rrc"})) {
         return describe_rrc_message(*rrc);
@@ -33,17 +51,43 @@ message_description describe_layers(const json& layers) {
     return {.name = "unknown message"};
 }
 
+/// Null for a packet without layers.
+const json* layers_of(const json& packet) {
+    static const json::json_pointer path("/_source/layers");
+    return packet.contains(path) ? &packet.at(path) : nullptr;
+}
+
 }  // namespace
 
 message_description describe_packet(const json& packet) {
-    static const json::json_pointer path("/_source/layers");
-    if (!packet.contains(path)) {
+    const json* const layers = layers_of(packet);
+    if (layers == nullptr) {
         return {.name = "unknown message"};
     }
-    const json& layers = packet.at(path);
-    auto description = describe_layers(layers);
-    description.is_malformed = layers.contains("_ws.malformed");
+    auto description = describe_layers(*layers);
+    description.is_malformed = layers->contains("_ws.malformed");
     return description;
+}
+
+void add_carried_nas(const json& packet, message_description& description) {
+    constexpr int levels_to_nas = 15;
+    const json* const layers = layers_of(packet);
+    const json* const rrc = layers == nullptr ? nullptr : find_layer(*layers, {"lte_rrc"});
+    // Broadcasts and paging, which most messages are, carry none.
+    if (rrc == nullptr || description.event != message_event::content) {
+        return;
+    }
+    const json* const around = find_carried_nas(*rrc, levels_to_nas);
+    if (around == nullptr) {
+        return;
+    }
+    const auto carried = describe_nas_message(*find_layer(*around, {"nas-eps", "nas_eps"}));
+    description.registration = carried.registration;
+    description.is_ciphered = carried.is_ciphered;
+    description.is_malformed = description.is_malformed || around->contains("_ws.malformed");
+    if (carried.event == message_event::update_request) {
+        description.event = carried.event;
+    }
 }
 
 message_description describe_record(const trace_record& record) {

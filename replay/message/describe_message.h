@@ -11,6 +11,10 @@ namespace KIVRA::TSHARK::REPLAY {
 /// @param packet with "_source" and "layers"; whatever else it looks like, there is a description
 message_description describe_packet(const nlohmann::json& packet);
 
+/// Adds what the NAS message says that an RRC message carries, for where it is no record of its own.
+/// @param packet as described
+void add_carried_nas(const nlohmann::json& packet, message_description& description);
+
 /// For a record of which there is no dissection.
 message_description describe_record(const trace_record& record);
 

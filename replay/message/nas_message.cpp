@@ -152,6 +152,27 @@ message_direction direction_of(const nas_fields& fields) {
                            : message_direction::unknown;
 }
 
+/// 3GPP TS 24.301, 9.8 (message type) and 9.9.3.7 (detach type).
+registration_event registration_of(const nas_fields& fields) {
+    constexpr unsigned imsi_detach_by_modem = 2;
+    constexpr unsigned imsi_detach_by_network = 3;
+    switch (fields.emm_type.value_or(0)) {
+        case 0x42:  // attach accept
+        case 0x49:  // tracking area update accept
+            return registration_event::accept;
+        case 0x44:  // attach reject
+        case 0x4b:  // tracking area update reject
+            return registration_event::reject;
+        case 0x45:  // detach request; an IMSI detach is none from EPS
+            return fields.uplink_detach_type == imsi_detach_by_modem ||
+                           fields.downlink_detach_type == imsi_detach_by_network
+                       ? registration_event::none
+                       : registration_event::detach;
+        default:
+            return registration_event::none;
+    }
+}
+
 }  // namespace
 
 message_description describe_nas_message(const json& layer) {
@@ -180,6 +201,7 @@ message_description describe_nas_message(const json& layer) {
     }
     // What is exchanged while a connection goes on is little and tells what happens.
     description.is_procedure = !fields.is_ciphered;
+    description.registration = registration_of(fields);
     constexpr unsigned tracking_area_update_request = 0x48;
     description.event = fields.emm_type == tracking_area_update_request
                             ? message_event::update_request

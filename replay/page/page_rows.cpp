@@ -47,6 +47,11 @@ int marks_of(const message_description& message) {
     int marks = message.is_malformed ? marks_malformed : 0;
     marks += message.is_ciphered ? marks_ciphered : 0;
     marks += message.is_procedure ? marks_procedure : 0;
+    if (message.registration == registration_event::accept) {
+        marks += marks_registration_accept;
+    } else if (message.registration != registration_event::none) {
+        marks += marks_registration_end;
+    }
     switch (message.event) {
         case message_event::connection_request:
             return marks + marks_connection_request;

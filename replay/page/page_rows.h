@@ -15,20 +15,18 @@ namespace KIVRA::TSHARK::REPLAY {
 
 /// Makes of each record a JSON array:
 ///
-/// | place | what |
-/// |-------|---------------------------------------------------------------------------------------|
-/// | 0     | microseconds since the record before, since 1970-01-01 for the first | | 1     | the
-/// lane of the timeline, a `page_lane`                                               | | 2     |
-/// sum of `page_mark`s                                                                   | | 3 |
-/// the message's name, text                                                              | | 4 |
-/// the format, text                                                                      | | 5 |
-/// what the record tells, as the table for people has it, text                           | | 6 |
-/// its settings, JSON: arrays of name, value, unit, role, clause, whether it is known    | | 7 |
-/// its result document, JSON                                                             | | 8 |
-/// why it failed, text                                                                   | | 9 |
-/// its log messages, JSON: array of texts                                                | | 10 |
-/// the connection that it ends: array of the first record's number, and the              | | |
-/// microseconds before this record of the request and of the last content, and the cause |
+/// 0. microseconds since the record before, since 1970-01-01 for the first
+/// 1. the lane of the timeline, a `page_lane`
+/// 2. the sum of `page_mark`s
+/// 3. the message's name, text
+/// 4. the format, text
+/// 5. what the record tells, as the table for people has it, text
+/// 6. its settings, JSON: arrays of name, value, unit, role, clause, whether it is known
+/// 7. its result document, JSON
+/// 8. why it failed, text
+/// 9. its log messages, JSON: array of texts
+/// 10. the connection that it ends: array of the first record's number, the microseconds before
+///     this record of the request and of the last content, and the cause
 ///
 /// A text stands in full where it first comes and gets the next number, from 1; where it comes
 /// again, there is its number. 0 is the empty text. Trailing empty places are left out.
@@ -72,6 +70,9 @@ enum page_mark : std::uint8_t {
     marks_connection_request = 8,
     marks_connection_end = 16,
     marks_update_request = 32,
+    marks_registration_accept = 64,
+    /// A reject or a detach.
+    marks_registration_end = 128,
 };
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "replay/record/setting.h"
+
 namespace KIVRA::TSHARK::REPLAY {
 
 /// Who a message's values come from.
@@ -29,6 +31,17 @@ enum class message_event {
     content,
 };
 
+/// What a message does to the modem's registration, on which rests what the network granted.
+enum class registration_event {
+    none,
+    /// The network accepts an attach or a tracking area update.
+    accept,
+    /// The network rejects one of them.
+    reject,
+    /// The modem or the network ends it.
+    detach,
+};
+
 /// Who sends a message.
 enum class message_direction {
     /// The message does not tell: it is ciphered, or both send it.
@@ -52,6 +65,9 @@ struct message_description {
     message_kind kind = message_kind::other;
     message_event event = message_event::none;
     message_direction direction = message_direction::unknown;
+    registration_event registration = registration_event::none;
+    /// Its own, or that of the messages before where it does not tell.
+    radio_access access = radio_access::unknown;
     /// Why the modem asks for a connection, such as "mo-Data"; empty where nothing says it.
     std::string connection_cause = {};
     std::vector<message_cause> causes = {};

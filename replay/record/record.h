@@ -17,6 +17,8 @@ struct trace_record {
     std::string format = {};
     /// The message; the capture's, until the next record is read.
     std::span<const std::uint8_t> payload = {};
+    /// Whether a NAS message within an RRC message is a record, too.
+    bool carried_nas_is_record = false;
     /// Why the record can't be run, when it can't.
     std::optional<record_failure> failure = {};
 };

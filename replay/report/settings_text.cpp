@@ -32,7 +32,10 @@ std::string blanks(int count) {
 }
 
 std::string shown(const setting_entry* entry) {
-    return entry == nullptr ? "-" : printable(text_of(entry->last));
+    if (entry == nullptr) {
+        return "-";
+    }
+    return printable(text_of(entry->last)) + (entry->ended_in == 0 ? "" : ", ended");
 }
 
 /// In its column; what is longer goes on to the end of the line, and the next column is on a line

@@ -67,9 +67,25 @@ json settings_of(const setting_history& settings) {
         for (const auto& change : entry.first) {
             object["history"].push_back(change_of(change));
         }
+        if (entry.ended_in != 0) {
+            object["ended_in"] = entry.ended_in;
+        }
         list.push_back(object);
     }
     return list;
+}
+
+json registration_of(const registration_state& registration) {
+    json object = json::object();
+    if (registration.accepted_in != 0) {
+        object["accepted_in"] = registration.accepted_in;
+    }
+    if (registration.ended_in != 0) {
+        object["ended_in"] = registration.ended_in;
+        object["ended_by"] =
+            registration.ended_by == registration_event::reject ? "reject" : "detach";
+    }
+    return object;
 }
 
 /// Seconds with all digits that a time stamp has.
@@ -184,6 +200,7 @@ json json_of(const run_totals& totals, const profile_file& profile,
               {"ciphered_nas", totals.ciphered.count},
               {"encrypted_rrc_packets", captures.encrypted_rrc}}},
             {"settings", settings_of(totals.told.settings)},
+            {"registration", registration_of(totals.told.settings.registration())},
             {"measured", measured_of(totals.told.connections)},
             {"conclusions", conclusions_in(totals.told.settings)},
             {"profile", profile_of(totals, profile)},

@@ -76,7 +76,7 @@ void in_process::run(const trace_record& record) {
         ANALYSIS::analyse_record(
             context_, chunk_of(record), source_,
             [this](nlohmann::json document) { current_.document = std::move(document); },
-            [this](const nlohmann::json& packet) { reader_.read(packet, current_); });
+            [&](const nlohmann::json& packet) { reader_.read(record, packet, current_); });
     });
     if (result != KIVRA_RESULT_SUCCESS) {
         current_.failure = {failure_kind::analysis, context_.last_error_text};

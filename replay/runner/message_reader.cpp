@@ -26,7 +26,7 @@ void message_reader::read(const trace_record& record, outcome& result) {
                 const auto packets =
                     nlohmann::json::parse(ANALYSIS::number_repeated_names(std::move(output)));
                 for (const auto& dissection : packets) {
-                    reader_.read(dissection, result);
+                    reader_.read(record, dissection, result);
                 }
             });
         }

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <utility>
 
+#include "replay/trace/setting_endings.h"
+
 namespace KIVRA::TSHARK::REPLAY {
 
 namespace {
@@ -38,6 +40,42 @@ void setting_history::add(std::uint64_t record, std::uint64_t timestamp,
     }
 }
 
+void setting_history::follow(std::uint64_t record, const message_description& message) {
+    if (message.access != radio_access::unknown) {
+        access_ = message.access;
+    }
+    if (message.registration == registration_event::accept) {
+        registration_.accepted_in = record;
+    } else if (message.registration != registration_event::none) {
+        registration_.ended_in = record;
+        registration_.ended_by = message.registration;
+    }
+    if (message.registration != registration_event::none) {
+        end(record, is_granted_anew);
+    }
+    if (message.event == message_event::connection_end) {
+        end(record, is_of_connection_end);
+    }
+    const auto* const drx = find("connected-mode DRX", setting_role::configured);
+    if (drx != nullptr && drx->last_record == record && drx->last.value == "released") {
+        end(record, is_of_connected_drx);
+    }
+    const auto* const cell = find("cell identity", setting_role::broadcast);
+    if (cell != nullptr && cell->last.record == record) {
+        end(record, is_optional_of_cell);
+    }
+}
+
+void setting_history::end(std::uint64_t record,
+                          bool (*is_ended)(std::string_view name, setting_role role)) {
+    for (auto& entry : entries_) {
+        if (entry.last_record != record && entry.ended_in == 0 &&
+            is_ended(entry.name, entry.role)) {
+            entry.ended_in = record;
+        }
+    }
+}
+
 void setting_history::change(const setting& told, setting_change value) {
     auto entry = std::ranges::find_if(entries_, [&told](const setting_entry& known) {
         return known.name == told.name && known.role == told.role;
@@ -50,7 +88,9 @@ void setting_history::change(const setting& told, setting_change value) {
         entry = std::prev(entries_.end());
     }
     entry->last_record = value.record;
-    if (entry->changes != 0 && entry->last.value == value.value && entry->last.unit == value.unit) {
+    const bool was_in_force = entry->changes != 0 && entry->ended_in == 0;
+    entry->ended_in = 0;
+    if (was_in_force && entry->last.value == value.value && entry->last.unit == value.unit) {
         return;
     }
     ++entry->changes;

@@ -45,6 +45,10 @@ def value_text(value):
     return value["value"] + unit + ("" if value.get("known", True) else " (?)")
 
 
+def last_text(entry):
+    return value_text(entry["in_force"]) + (", ended" if "ended_in" in entry else "")
+
+
 class PageTest(unittest.TestCase):
     """One browser and one folder for all tests of a class; each opens a page anew."""
 
@@ -116,7 +120,7 @@ class figures(PageTest):
     def expect_settings(self, summary):
         self.assertCountEqual(
             [row[:5] for row in self.browser.rows("settings", "The value in force")],
-            [[entry["name"], entry["role"], value_text(entry["in_force"]),
+            [[entry["name"], entry["role"], last_text(entry),
               str(entry["in_force"]["record"]), str(entry["changes"])]
              for entry in summary["settings"]])
 
@@ -173,7 +177,7 @@ class figures(PageTest):
     def test_come_with_the_answers(self):
         summary = self.open_sample()
         answers = self.browser.text("#answers")
-        self.assertIn("asked 60 s (record 4)granted 120 s (record 20) \u2260 changed", answers)
+        self.assertIn("asked 60 s (record 4)granted 120 s, ended (record 20) \u2260 changed", answers)
         self.assertIn("long cycleconfigured 320 ms (record 3)", answers)
         for conclusion in summary["conclusions"]:
             self.assertIn(conclusion["text"], answers)
@@ -199,7 +203,7 @@ class comparisons(PageTest):
     def test_have_the_settings_of_both_and_mark_what_differs(self):
         shown = {(role, name): values for name, role, *values in
                  self.browser.rows("settings", "The values in force")}
-        one, other = ({(entry["role"], entry["name"]): value_text(entry["in_force"])
+        one, other = ({(entry["role"], entry["name"]): last_text(entry)
                        for entry in summary["settings"]} for summary in (self.summary, self.other))
         self.assertEqual(set(shown), set(one) | set(other))
         for key, (first, second, mark) in shown.items():

@@ -36,7 +36,7 @@ const ANSWERS = [
 const ROLE_WORDS = {granted: "granted", broadcast: "by the cell", configured: "configured"};
 
 function valueOf(run, entry) {
-  return element("span", {}, element("strong", {}, valueText(entry.in_force)), " ",
+  return element("span", {}, element("strong", {}, lastText(entry)), " ",
     element("span", {class: "short"}, "(record ", recordLink(run, entry.in_force.record), ")"));
 }
 

@@ -31,7 +31,7 @@ function comparedMaps(caption, columns, one, other, namesOf = (key) => [key]) {
 
 function compareSettings(place, runs) {
   const [one, other] = runs.map(({summary}) => new Map(summary.settings.map((entry) => (
-    [`${entry.role} ${entry.name}`, valueText(entry.in_force)]))));
+    [`${entry.role} ${entry.name}`, lastText(entry)]))));
   place.append(comparedMaps("The values in force at the end", ["setting", "role"], one, other, (key) => {
     const blank = key.indexOf(" ");
     return [key.slice(blank + 1), key.slice(0, blank)];

@@ -5,6 +5,8 @@ const MALFORMED = 1;
 const PROCEDURE = 4;
 const REQUEST = 8;
 const RELEASE = 16;
+const ACCEPT = 64;
+const REGISTRATION_END = 128;
 
 const TEXT_COLUMNS = ["name", "format", "told", "settings", "document", "failure", "log"];
 const FIRST_TEXT = 3;

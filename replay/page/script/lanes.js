@@ -64,10 +64,12 @@ function stepLanes(run, seconds, end) {
       chosen.push([key, key.slice(key.indexOf(" ") + 1), key.slice(key.indexOf(" ") + 1)]);
     }
   }
+  const ends = new Map(run.summary.settings.filter((entry) => entry.ended_in).map((entry) => (
+    [`${entry.role} ${entry.name}`, seconds(run.records.time[entry.ended_in - 1])])));
   return chosen.slice(0, MOST_STEP_LANES).map(([key, label, short]) => ({
     kind: "steps", label: shortened(label, 24), short: shortened(short, 8), name: key, height: 24,
     bars: steps.get(key).map((step, place, all) => (
-      {...step, to: place + 1 < all.length ? all[place + 1].from : end})),
+      {...step, to: place + 1 < all.length ? all[place + 1].from : ends.get(key) ?? end})),
   }));
 }
 
@@ -77,28 +79,26 @@ function stateBars(run, seconds, end) {
   const states = [];
   const sleeps = [];
   let released = null;
-  let psm = null;
+  let psm = {active: null};
   let ended = 0;
   const endIdle = (to, index) => {
     if (released === null) {
       return;
     }
     states.push({state: "idle", from: released.at, to, index: released.index});
-    if (psm !== null && released.at + psm.active < to) {
+    if (psm.active !== null && released.at + psm.active < to) {
       const asleep = released.at + psm.active;
       sleeps.push({state: "reachable", from: released.at, to: asleep, index: released.index},
         {state: "asleep", from: asleep, to: Math.min(to, released.at + psm.period), index,
           period: psm.period});
-    } else if (psm !== null) {
+    } else if (psm.active !== null) {
       sleeps.push({state: "reachable", from: released.at, to, index: released.index});
     }
     released = null;
   };
   for (let index = 0; index < records.count; ++index) {
     const marks = records.marks[index];
-    if (records.settings[index] !== 0) {
-      psm = powerSaving(run, index, psm);
-    }
+    psm = powerSaving(run, index, psm);
     if (marks & REQUEST) {
       endIdle(seconds(records.time[index]), index);
     }
@@ -124,38 +124,44 @@ function stateBars(run, seconds, end) {
   return {states, sleeps};
 }
 
-const ACCEPTS = new WeakMap();
+const GRANTS = new WeakMap();
 
-/**
- * What a record grants of power saving: an accept (which has T3412) without T3324 ends it
- * (3GPP TS 24.301, 5.3.11). Both times are in seconds; a deactivated period has no end.
- */
-function powerSaving(run, index, former) {
-  if (!ACCEPTS.has(run)) {
-    ACCEPTS.set(run, new Map());
+/** What a record grants, by name. */
+function grantedIn(run, index) {
+  if (!GRANTS.has(run)) {
+    GRANTS.set(run, new Map());
   }
-  const known = ACCEPTS.get(run);
+  const known = GRANTS.get(run);
   const text = run.records.settings[index];
   if (!known.has(text)) {
-    const granted = new Map(settingsIn(run.records.texts[text])
-      .filter(({role}) => role === "granted").map((setting) => [setting.name, setting]));
-    const seconds = (name) => {
-      const setting = granted.get(name);
-      return setting && setting.unit === "s" && setting.known ? Number(setting.value) : null;
-    };
-    const active = seconds("T3324");
-    const periodic = granted.has("T3412 extended") ? "T3412 extended" : "T3412";
-    let grant;
-    if (active !== null) {
-      const period = seconds(periodic);
-      grant = {active, period: period === null ? Infinity : Math.max(period, active)};
-    } else if (granted.has("T3412") || granted.has("T3324")) {
-      grant = null;
-    }
-    known.set(text, grant);
+    known.set(text, new Map((text === 0 ? [] : settingsIn(run.records.texts[text]))
+      .filter(({role}) => role === "granted").map((setting) => [setting.name, setting])));
   }
-  const grant = known.get(text);
-  return grant === undefined ? former : grant;
+  return known.get(text);
+}
+
+/**
+ * The power saving behind a record: its times in seconds, or null. An accept without T3324 ends it,
+ * and so do rejects and detaches (3GPP TS 24.301, 5.3.11). T3412 stays where an accept has none;
+ * T3412 extended counts as not there where it is deactivated (24.008, table 10.5.163a). A
+ * period that is deactivated, or 0, has no end.
+ */
+function powerSaving(run, index, former) {
+  const marks = run.records.marks[index];
+  if (marks & REGISTRATION_END) {
+    return {...former, active: null};
+  }
+  if (!(marks & ACCEPT)) {
+    return former;
+  }
+  const granted = grantedIn(run, index);
+  const seconds = (setting) => (
+    setting && setting.unit === "s" && setting.known ? Number(setting.value) : null);
+  const basic = granted.get("T3412") ?? former.basic;
+  const extended = granted.get("T3412 extended");
+  const timer = extended && extended.value !== "deactivated" ? extended : basic;
+  const active = seconds(granted.get("T3324"));
+  return {active, basic, period: Math.max(seconds(timer) || Infinity, active)};
 }
 
 /** Marks in the order of their times, which may go back in a trace. */

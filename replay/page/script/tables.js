@@ -10,6 +10,11 @@ function historyOf(entry) {
   return values.join(" \u2192 ");
 }
 
+/** The value in force, or that was. */
+function lastText(entry) {
+  return valueText(entry.in_force) + (entry.ended_in ? ", ended" : "");
+}
+
 function showSettings(place, run) {
   if (run.summary.settings.length === 0) {
     place.append(note("No record tells a setting."));
@@ -19,7 +24,7 @@ function showSettings(place, run) {
     ROLES.indexOf(one.role) - ROLES.indexOf(other.role)));
   place.append(table("The value in force at the end, who it comes from, and how it changed",
     ["setting", "role", "value", "record", "changes", "values in their order", "3GPP"],
-    ordered.map((entry) => [entry.name, entry.role, valueText(entry.in_force),
+    ordered.map((entry) => [entry.name, entry.role, lastText(entry),
       recordLink(run, entry.in_force.record), String(entry.changes),
       entry.changes > 1 ? historyOf(entry) : "", entry.clause])));
 }

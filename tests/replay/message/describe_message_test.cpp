@@ -127,6 +127,32 @@ TEST(descriptions, prefer_the_outer_message) {
               "PCCH");
 }
 
+TEST(descriptions, tell_what_becomes_of_the_registration) {
+    const auto registration_of = [](const char* type, const json& more = json::object()) {
+        json layer = more;
+        layer["nas_eps.nas_msg_emm_type"] = type;
+        return describe_packet({{"_source", {{"layers", {{"nas-eps", layer}}}}}}).registration;
+    };
+    EXPECT_EQ(registration_of("0x41"), registration_event::none);
+    EXPECT_EQ(registration_of("0x42"), registration_event::accept);
+    EXPECT_EQ(registration_of("0x43"), registration_event::none);
+    EXPECT_EQ(registration_of("0x44"), registration_event::reject);
+    EXPECT_EQ(registration_of("0x48"), registration_event::none);
+    EXPECT_EQ(registration_of("0x49"), registration_event::accept);
+    EXPECT_EQ(registration_of("0x4b"), registration_event::reject);
+    EXPECT_EQ(registration_of("0x4e"), registration_event::none);
+    const auto detach_of = [&](const char* direction, const char* type) {
+        return registration_of("0x45",
+                               {{std::string("nas_eps.emm.detach_type_") + direction, type}});
+    };
+    EXPECT_EQ(detach_of("ul", "1"), registration_event::detach);
+    EXPECT_EQ(detach_of("ul", "2"), registration_event::none);
+    EXPECT_EQ(detach_of("ul", "3"), registration_event::detach);
+    EXPECT_EQ(detach_of("dl", "1"), registration_event::detach);
+    EXPECT_EQ(detach_of("dl", "2"), registration_event::detach);
+    EXPECT_EQ(detach_of("dl", "3"), registration_event::none);
+}
+
 TEST(descriptions, mark_malformed_messages) {
     const json layers{{"nas-eps", {{"nas_eps.nas_msg_emm_type", "0x42"}}}};
     EXPECT_FALSE(describe_packet({{"_source", {{"layers", layers}}}}).is_malformed);

@@ -1,7 +1,11 @@
 #include "replay/trace/setting_history.h"
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -166,6 +170,149 @@ TEST(texts_of_changes, have_the_unit_and_mark_what_is_not_known) {
     EXPECT_EQ(text_of({.value = "deactivated"}), "deactivated");
     EXPECT_EQ(text_of({.value = "7", .known = false}), "7 (?)");
     EXPECT_EQ(text_of({.value = "20.48", .unit = "s", .known = false}), "20.48 s (?)");
+}
+
+// What ends without a word
+
+class setting_ends : public testing::Test {
+  protected:
+    /// What the next record tells, in a message that does this.
+    void tell(const std::vector<setting>& settings, const message_description& message = {}) {
+        history_.add(++record_, 0, settings);
+        history_.follow(record_, message);
+    }
+
+    static setting of(const char* name, setting_role role, const char* value = "1") {
+        return {name, value, "", role, ""};
+    }
+
+    std::uint64_t end_of(const char* name, setting_role role) const {
+        return entry_of(history_, name, role).ended_in;
+    }
+
+    setting_history history_;
+
+  private:
+    std::uint64_t record_ = 0;
+};
+
+constexpr auto configured = setting_role::configured;
+constexpr auto broadcast = setting_role::broadcast;
+const message_description accept{.registration = registration_event::accept};
+const message_description release{.event = message_event::connection_end};
+
+TEST_F(setting_ends, come_with_an_accept_that_leaves_out_what_is_granted_anew) {
+    constexpr std::array names{"T3324",
+                               "T3412 extended",
+                               "eDRX cycle",
+                               "eDRX cycle in NB-S1 mode",
+                               "paging time window",
+                               "paging time window in WB-S1 mode",
+                               "UE-specific DRX cycle in NB-S1 mode"};
+    for (const char* const name : names) {
+        tell({of(name, granted), of(name, requested), of("T3412", granted)}, accept);
+    }
+    tell({}, accept);
+    for (const char* const name : names) {
+        EXPECT_NE(end_of(name, granted), 0U) << name;
+        EXPECT_EQ(end_of(name, requested), 0U) << name;
+    }
+    EXPECT_EQ(end_of("T3412", granted), 0U);
+    EXPECT_EQ(history_.registration().accepted_in, 8U);
+}
+
+TEST_F(setting_ends, are_told_by_the_first_record_that_leaves_a_setting_out) {
+    tell({timer("10")}, accept);
+    tell({}, accept);
+    tell({}, accept);
+    EXPECT_EQ(end_of("T3324", granted), 2U);
+}
+
+TEST_F(setting_ends, do_not_come_with_other_messages) {
+    tell({timer("10")}, accept);
+    tell({});
+    EXPECT_EQ(end_of("T3324", granted), 0U);
+}
+
+TEST_F(setting_ends, come_with_rejects_and_detaches) {
+    for (const auto registration : {registration_event::reject, registration_event::detach}) {
+        tell({timer("10")}, accept);
+        tell({}, {.registration = registration});
+        EXPECT_NE(end_of("T3324", granted), 0U);
+        EXPECT_TRUE(history_.registration().has_ended());
+        EXPECT_EQ(history_.registration().ended_by, registration);
+    }
+}
+
+TEST_F(setting_ends, are_over_when_the_setting_comes_again_which_is_a_change) {
+    tell({timer("10")}, accept);
+    tell({}, {.registration = registration_event::detach});
+    tell({timer("10")}, accept);
+    const auto& entry = entry_of(history_, "T3324", granted);
+    EXPECT_EQ(entry.ended_in, 0U);
+    EXPECT_EQ(entry.changes, 2U);
+    EXPECT_EQ(entry.last.record, 3U);
+    EXPECT_FALSE(history_.registration().has_ended());
+}
+
+TEST_F(setting_ends, come_with_a_release_that_does_not_redirect) {
+    constexpr std::array names{
+        "release cause", "extended wait time",    "extended wait time, control plane data",
+        "redirection",   "redirection's carrier", "wait time"};
+    for (const char* const name : names) {
+        tell({of(name, configured)}, release);
+    }
+    tell({of("T310", configured), of("release cause", configured)}, release);
+    EXPECT_EQ(end_of("release cause", configured), 0U);
+    for (std::size_t i = 1; i < names.size(); ++i) {
+        EXPECT_NE(end_of(names[i], configured), 0U) << names[i];
+    }
+    tell({}, release);
+    EXPECT_EQ(end_of("T310", configured), 0U);
+}
+
+TEST_F(setting_ends, come_with_the_drx_that_is_released) {
+    constexpr std::array names{"long DRX cycle",
+                               "short DRX cycle",
+                               "short DRX cycle timer",
+                               "on-duration timer",
+                               "DRX inactivity timer",
+                               "DRX retransmission timer",
+                               "DRX UL retransmission timer"};
+    for (const char* const name : names) {
+        tell({of(name, configured), of("connected-mode DRX", configured, "set up")});
+    }
+    EXPECT_EQ(end_of(names[0], configured), 0U);
+    tell({of("connected-mode DRX", configured, "released")});
+    for (const char* const name : names) {
+        EXPECT_EQ(end_of(name, configured), 8U) << name;
+    }
+    EXPECT_EQ(end_of("connected-mode DRX", configured), 0U);
+    tell({of("long DRX cycle", configured)});
+    EXPECT_EQ(end_of("long DRX cycle", configured), 0U);
+}
+
+TEST_F(setting_ends, come_with_another_cell_that_does_not_broadcast_a_setting) {
+    constexpr std::array names{"eDRX allowed", "hyper-SFN", "p-Max", "further band"};
+    tell({of("cell identity", broadcast, "1"), of("nB", broadcast)});
+    for (const char* const name : names) {
+        tell({of("cell identity", broadcast, "1"), of(name, broadcast)});
+        EXPECT_EQ(end_of(name, broadcast), 0U) << name;
+    }
+    EXPECT_EQ(end_of(names[0], broadcast), 0U);
+    tell({of("cell identity", broadcast, "2")});
+    for (const char* const name : names) {
+        EXPECT_EQ(end_of(name, broadcast), 6U) << name;
+    }
+    EXPECT_EQ(end_of("nB", broadcast), 0U);
+}
+
+TEST(setting_histories, know_the_radio_access_of_the_last_message_that_tells_it) {
+    setting_history history;
+    EXPECT_EQ(history.access(), radio_access::unknown);
+    history.follow(1, {.access = radio_access::nb_s1});
+    history.follow(2, {});
+    EXPECT_EQ(history.access(), radio_access::nb_s1);
 }
 
 }  // namespace
