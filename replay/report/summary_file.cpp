@@ -139,8 +139,7 @@ json profile_of(const run_totals& totals, const profile_file& profile) {
         values[name] = value;
     }
     auto& truths = object["from_the_trace"] = json::array();
-    for (const auto& member :
-         truth_beside(content, totals.told.sources.of_members(), totals.told.settings)) {
+    for (const auto& member : truth_beside(content, totals.told.sources, totals.told.settings)) {
         json truth{{"member", member.member}, {"value", member.value}, {"record", member.record}};
         if (!member.truth.empty()) {
             truth["truth"] = member.truth;

@@ -20,7 +20,7 @@ struct trace {
     void add(std::uint64_t number, const trace_record& record, const outcome& result) {
         settings.add(number, record.timestamp, result.settings);
         connections.add(number, record, result);
-        sources.follow(number, result.document);
+        sources.follow(number, result.document, settings);
     }
 };
 

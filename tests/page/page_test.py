@@ -126,7 +126,7 @@ class figures(PageTest):
             self.assertIn("ritten for this report, and not kept", self.browser.find(place).text)
 
     def expect_profile(self, summary):
-        self.assertEqual(self.browser.rows("profile", "Values from the trace"), [
+        self.assertEqual(self.browser.rows("profile", "Values beside what"), [
             [entry["member"], entry["value"], str(entry["record"]), entry.get("truth", ""),
              "\u2260 " + entry["difference"] if "difference" in entry else ""]
             for entry in summary["profile"]["from_the_trace"]])

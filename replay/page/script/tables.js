@@ -80,7 +80,7 @@ function showProfile(place, run) {
     place.append(element("p", {}, profile.reason));
     return;
   }
-  place.append(table("Values from the trace beside what they stand for",
+  place.append(table("Values beside what the trace tells of them",
     ["member", "value", "record", "in the trace", "differs"],
     profile.from_the_trace.map(({member, value, record, truth, difference}) => [member, value,
       recordLink(run, record), truth || "", difference ? `\u2260 ${difference}` : ""])));
