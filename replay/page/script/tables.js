@@ -41,12 +41,18 @@ function durationRows(measured) {
   });
 }
 
-/** [name, text] of each figure that is no duration. */
+function areaUpdateTimerText({name, value_s: seconds}) {
+  return seconds === undefined ? `${name} without a time` : `${name} ${durationText(seconds)}`;
+}
+
+/** [name, text] of each figure that is no duration between records. */
 function figureRows({summary}) {
   const {measured, unreadable} = summary;
   return [
     ["time connected", measured.time_connected_percent === undefined ? ""
       : `${rounded(measured.time_connected_percent, 1)} %`],
+    ["tracking area updates due by", measured.area_update_timer === undefined ? ""
+      : areaUpdateTimerText(measured.area_update_timer)],
     ["connections without beginning or end", grouped(measured.incomplete)],
     ["paging messages", grouped(measured.paging)],
     ...Object.entries(measured.causes).map(([cause, count]) => (
