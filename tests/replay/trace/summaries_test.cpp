@@ -190,6 +190,12 @@ TEST_F(area_update_summaries, have_no_timer_where_none_is_granted) {
     EXPECT_FALSE(read_json("summary.json")["measured"].contains("area_update_timer"));
 }
 
+TEST_F(area_update_summaries, for_people_have_no_timer_without_updates) {
+    const auto result = run_replay({capture_file("ltem_attach_psm.pcapng")});
+    EXPECT_THAT(result.output, HasSubstr("\nmeasured\n"));
+    EXPECT_THAT(result.output, testing::Not(HasSubstr("area updates due")));
+}
+
 TEST_F(summaries, with_a_member_more_do_not_follow_the_schema) {
     const auto summary = summary_of(capture_file("ltem_attach_psm.pcapng"));
     for (const char* const place :
