@@ -158,7 +158,7 @@ class area_update_summaries : public summaries {
 };
 
 TEST_F(area_update_summaries, have_the_timer_beside_the_updates) {
-    write_updates("\x5a\x49");
+    write_updates({'\x5a', '\x49'});
     const auto result = run_replay({"--summary", "summary.json", "capture.pcapng"});
     EXPECT_THAT(
         result.output,
@@ -174,7 +174,7 @@ TEST_F(area_update_summaries, have_the_timer_beside_the_updates) {
 }
 
 TEST_F(area_update_summaries, have_a_timer_that_is_deactivated_without_a_time) {
-    write_updates("\x5a\xe0");
+    write_updates({'\x5a', '\xe0'});
     EXPECT_THAT(run_replay({"--summary", "summary.json", "capture.pcapng"}).output,
                 HasSubstr("\n    area updates due                deactivated: T3412\n"));
     EXPECT_EQ(complaints(), "");
@@ -183,7 +183,7 @@ TEST_F(area_update_summaries, have_a_timer_that_is_deactivated_without_a_time) {
 }
 
 TEST_F(area_update_summaries, have_no_timer_where_none_is_granted) {
-    write_updates("");
+    write_updates({});
     EXPECT_THAT(run_replay({"--summary", "summary.json", "capture.pcapng"}).output,
                 testing::Not(HasSubstr("area updates due")));
     EXPECT_EQ(complaints(), "");
