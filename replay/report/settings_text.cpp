@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "replay/report/formatting.h"
+#include "replay/trace/area_update_timer.h"
 #include "replay/trace/conclusions.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -141,8 +142,21 @@ void print_durations(std::ostream& out, std::string_view name,
     print_wrapped(out, text, name_end, blanks(name_end));
 }
 
-void print_measured(std::ostream& out, const connection_log& connections) {
-    if (connections.connected().count() == 0 && connections.paging() == 0) {
+/// What the measured updates are to be held against.
+void print_area_update_timer(std::ostream& out, const setting_history& settings) {
+    if (const auto timer = area_update_timer_of(settings)) {
+        out << indent;
+        print_cell(out, "area updates due", name_width, name_end);
+        out << (timer->seconds ? "every " + readable_seconds(*timer->seconds) + ", which is "
+                               : printable(timer->value) + ": ")
+            << timer->name << '\n';
+    }
+}
+
+void print_measured(std::ostream& out, const trace& told) {
+    const connection_log& connections = told.connections;
+    if (connections.connected().count() == 0 && connections.paging() == 0 &&
+        connections.between_updates().count() == 0) {
         return;
     }
     out << "\nmeasured\n";
@@ -150,6 +164,9 @@ void print_measured(std::ostream& out, const connection_log& connections) {
     print_durations(out, "silence before release", connections.inactivity());
     print_durations(out, "idle between connections", connections.idle());
     print_durations(out, "between area updates", connections.between_updates());
+    if (connections.between_updates().count() != 0) {
+        print_area_update_timer(out, told.settings);
+    }
     for (const auto& [cause, count] : connections.causes()) {
         out << indent;
         print_cell(out, "connections for " + cause, name_width, name_end);
@@ -178,7 +195,7 @@ void print_settings(std::ostream& out, const trace& told) {
     print_agreed(out, told.settings);
     print_of_role(out, told.settings, setting_role::broadcast, "broadcast by the cell");
     print_of_role(out, told.settings, setting_role::configured, "configured");
-    print_measured(out, told.connections);
+    print_measured(out, told);
     const auto conclusions = conclusions_of(told.settings);
     if (!conclusions.empty()) {
         out << "\nwhat follows\n";

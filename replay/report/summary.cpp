@@ -161,8 +161,8 @@ std::string reason_for_no_profile(const run_totals& totals) {
 }
 
 void summary::print_members(std::ostream& out, const profile_content& content) const {
-    const auto& sources = totals_.told.sources.of_members();
-    for (const auto& member : truth_beside(content, sources, totals_.told.settings)) {
+    const auto truths = truth_beside(content, totals_.told.sources, totals_.told.settings);
+    for (const auto& member : truths) {
         out << indent << std::left << std::setw(name_width) << printable(member.member)
             << std::setw(value_width) << printable(member.value) << in_record(member.record)
             << '\n';
@@ -172,7 +172,7 @@ void summary::print_members(std::ostream& out, const profile_content& content) c
     }
     std::string defaults;
     for (const auto& [name, value] : content) {
-        if (!sources.contains(name)) {
+        if (std::ranges::find(truths, name, &profile_truth::member) == truths.end()) {
             defaults += (defaults.empty() ? "at their defaults: " : ", ") + name + ' ' +
                         (value.empty() ? R"("")" : value);
         }

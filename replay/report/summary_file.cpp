@@ -12,6 +12,7 @@
 #include "replay/record/write_error.h"
 #include "replay/report/formatting.h"
 #include "replay/report/summary.h"
+#include "replay/trace/area_update_timer.h"
 #include "replay/trace/conclusions.h"
 #include "replay/trace/profile_truth.h"
 
@@ -122,7 +123,8 @@ json connections_of(const connection_log& log) {
     return list;
 }
 
-json measured_of(const connection_log& log) {
+json measured_of(const trace& told) {
+    const connection_log& log = told.connections;
     json object{{"begin", iso_8601(log.begin())},
                 {"end", iso_8601(log.end())},
                 {"duration_s", seconds(log.end() - std::min(log.begin(), log.end()))},
@@ -136,6 +138,13 @@ json measured_of(const connection_log& log) {
                 {"connections", connections_of(log)}};
     if (const auto share = log.share_connected()) {
         object["time_connected_percent"] = *share;
+    }
+    if (const auto timer = area_update_timer_of(told.settings)) {
+        auto& due = object["area_update_timer"] = {{"name", timer->name}};
+        if (timer->seconds) {
+            due["value_s"] = *timer->seconds;
+        }
+        due["record"] = timer->record;
     }
     return object;
 }
@@ -155,8 +164,7 @@ json profile_of(const run_totals& totals, const profile_file& profile) {
         values[name] = value;
     }
     auto& truths = object["from_the_trace"] = json::array();
-    for (const auto& member :
-         truth_beside(content, totals.told.sources.of_members(), totals.told.settings)) {
+    for (const auto& member : truth_beside(content, totals.told.sources, totals.told.settings)) {
         json truth{{"member", member.member}, {"value", member.value}, {"record", member.record}};
         if (!member.truth.empty()) {
             truth["truth"] = member.truth;
@@ -201,7 +209,7 @@ json json_of(const run_totals& totals, const profile_file& profile,
               {"encrypted_rrc_packets", captures.encrypted_rrc}}},
             {"settings", settings_of(totals.told.settings)},
             {"registration", registration_of(totals.told.settings.registration())},
-            {"measured", measured_of(totals.told.connections)},
+            {"measured", measured_of(totals.told)},
             {"conclusions", conclusions_in(totals.told.settings)},
             {"profile", profile_of(totals, profile)},
             {"diagnostics", diagnostics_of(totals)}};

@@ -9,6 +9,8 @@
 #include <system_error>
 #include <utility>
 
+#include "replay/trace/area_update_timer.h"
+
 namespace KIVRA::TSHARK::REPLAY {
 
 namespace {
@@ -64,8 +66,7 @@ class reasoning {
 
     /// Whether a later accept did not grant it any more (24.301, 5.3.11 and 5.3.12).
     bool is_left_out(const setting_entry* given) const {
-        return given != nullptr && given->ended_in != 0 &&
-               given->ended_in <= settings_.registration().accepted_in;
+        return given != nullptr && settings_.is_left_out(*given);
     }
 
     std::string end_text() const {
@@ -111,17 +112,8 @@ class reasoning {
         }
     }
 
-    /// What asks for the tracking area updates while PSM lasts. T3412 extended takes the place of
-    /// T3412, but counts as not there where it is deactivated (24.008, table 10.5.163a, note 2).
-    const setting_entry* update_timer() const {
-        const auto* const extended = granted("T3412 extended");
-        return extended == nullptr || is_left_out(extended) || extended->last.value == "deactivated"
-                   ? granted("T3412")
-                   : extended;
-    }
-
     void about_sleep(const setting_entry& given) {
-        const auto* const timer = update_timer();
+        const auto* const timer = granted_update_timer(settings_);
         const auto period = seconds_in(timer);
         std::string text = "PSM granted: after each release reachable for " +
                            readable_seconds(*active_time_) + ", which is T3324";

@@ -2,53 +2,31 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdlib>
 #include <optional>
+#include <utility>
+
+#include "profile/parameter_file.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
 namespace {
 
-struct member_meaning {
+struct member_difference {
     std::string_view member;
-    /// The setting that it stands for, and where that may come from.
-    std::string_view setting;
-    setting_role role;
-    /// Why its number is another one; empty for values that are no numbers of the setting's unit.
     std::string_view difference;
 };
 
-constexpr std::string_view table_index = "place in a table of timers, not milliseconds";
-constexpr std::string_view quarter = "a quarter of it: NB-IoT's cycles read as LTE's";
-constexpr std::string_view other_unit = "not in that unit";
-
-/// The first that the record has counts.
-constexpr std::array<member_meaning, 10> meanings{{
-    {"idrx_int", "default paging cycle", setting_role::broadcast, quarter},
-    {"idrx_reps", "MPDCCH repetitions for paging", setting_role::broadcast, other_unit},
-    {"idrx_reps", "NPDCCH repetitions for paging", setting_role::broadcast, other_unit},
-    {"cdrx_int", "long DRX cycle", setting_role::configured, table_index},
-    {"cdrx_on_duration", "on-duration timer", setting_role::configured, other_unit},
-    {"cdrx_inactive_timer", "DRX inactivity timer", setting_role::configured, other_unit},
-    {"config_lte_psm_req_rat", "T3324", setting_role::granted, ""},
-    {"config_lte_psm_req_rat", "T3324", setting_role::requested, ""},
-    {"config_lte_psm_req_rptau", "T3412 extended", setting_role::granted, ""},
-    {"config_lte_psm_req_rptau", "T3412 extended", setting_role::requested, ""},
+/// Why the number of a member is another one than its setting's; the other members are no numbers
+/// of the setting's unit.
+constexpr std::array<member_difference, 5> differences{{
+    {"idrx_int", "a quarter of it: NB-IoT's cycles read as LTE's"},
+    {"idrx_reps", "not in that unit"},
+    {"cdrx_int", "place in a table of timers, not milliseconds"},
+    {"cdrx_on_duration", "not in that unit"},
+    {"cdrx_inactive_timer", "not in that unit"},
 }};
-
-/// What was in force with a record; null where that is not known.
-const setting_change* change_at(const setting_entry& entry, std::uint64_t record) {
-    const setting_change* found = entry.last.record <= record ? &entry.last : nullptr;
-    for (const auto& change : entry.first) {
-        if (found == nullptr || (change.record <= record && change.record > found->record)) {
-            found = change.record <= record ? &change : found;
-        }
-    }
-    // Behind the changes that are kept, the last one alone is known.
-    const bool some_are_missing = entry.changes > entry.first.size() + 1;
-    return some_are_missing && found == &entry.first.back() && found->record < record ? nullptr
-                                                                                      : found;
-}
 
 std::optional<double> number_in(const std::string& text) {
     char* end = nullptr;
@@ -64,41 +42,69 @@ bool are_equal(const std::string& value, const setting_change& truth) {
     return one && other && std::abs(*one - *other) < rounding;
 }
 
-profile_truth truth_of(const profile_value& value, std::uint64_t record,
-                       const setting_history& settings) {
-    profile_truth result{value.name, value.value, record, "", ""};
-    std::uint64_t newest = 0;
-    for (const auto& meaning : meanings) {
-        const auto* const entry =
-            meaning.member == value.name ? settings.find(meaning.setting, meaning.role) : nullptr;
-        const auto* const change = entry == nullptr ? nullptr : change_at(*entry, record);
-        if (change == nullptr) {
-            continue;
-        }
-        // Requested and granted take turns in the profile: the later one is in it.
-        const auto given = entry->last_record == record ? record : change->record;
-        if (given <= newest) {
-            continue;
-        }
-        newest = given;
-        result.truth = std::string(meaning.setting) + ' ' + text_of(*change);
-        if (meaning.role == setting_role::granted || meaning.role == setting_role::requested) {
-            result.truth.append(" ").append(text_of(meaning.role));
-        }
-        result.difference = are_equal(value.value, *change) ? "" : meaning.difference;
+std::string_view difference_of(const profile_value& value, const setting_change& truth) {
+    const auto* const found =
+        std::ranges::find(differences, value.name, &member_difference::member);
+    return found == differences.end() || are_equal(value.value, truth) ? "" : found->difference;
+}
+
+std::string words_of(const std::string& name, setting_role role, const setting_change& change) {
+    std::string text = name + ' ' + text_of(change);
+    if (role == setting_role::granted || role == setting_role::requested) {
+        text.append(" ").append(text_of(role));
+    }
+    return text;
+}
+
+std::string granted_words(const setting_change& active_time) {
+    return "PSM granted: T3324 " + text_of(active_time);
+}
+
+profile_truth truth_of_source(const profile_value& value, const profile_source& source) {
+    profile_truth result{value.name, value.value, source.record, "", ""};
+    if (value.name == PROFILE::psm_member) {
+        result.truth = source.setting ? granted_words(source.setting->change) : "PSM not granted";
+        result.difference = source.setting ? "" : "True wherever both timers are told";
+    } else if (source.setting) {
+        const auto& [name, role, change] = *source.setting;
+        result.truth = words_of(name, role, change);
+        result.difference = difference_of(value, change);
     }
     return result;
+}
+
+/// Nothing for a member whose setting is not in the trace.
+std::optional<profile_truth> truth_of_default(const profile_value& value,
+                                              const profile_sources& sources,
+                                              const setting_history& settings) {
+    if (value.name == PROFILE::psm_member) {
+        const auto* const active_time = granted_active_time(settings);
+        return active_time == nullptr
+                   ? std::nullopt
+                   : std::optional(profile_truth{value.name, value.value, active_time->last_record,
+                                                 granted_words(active_time->last),
+                                                 "granted all the same"});
+    }
+    const auto* const entry = setting_behind(value.name, settings);
+    return entry == nullptr
+               ? std::nullopt
+               : std::optional(profile_truth{value.name, value.value, entry->last_record,
+                                             words_of(entry->name, entry->role, entry->last),
+                                             sources.why_default(value.name, entry->last_record)});
 }
 
 }  // namespace
 
 std::vector<profile_truth> truth_beside(const profile_content& profile,
-                                        const std::map<std::string, std::uint64_t>& sources,
+                                        const profile_sources& sources,
                                         const setting_history& settings) {
     std::vector<profile_truth> list;
+    const auto& known = sources.of_members();
     for (const auto& value : profile) {
-        if (const auto source = sources.find(value.name); source != sources.end()) {
-            list.push_back(truth_of(value, source->second, settings));
+        if (const auto source = known.find(value.name); source != known.end()) {
+            list.push_back(truth_of_source(value, source->second));
+        } else if (auto truth = truth_of_default(value, sources, settings)) {
+            list.push_back(std::move(*truth));
         }
     }
     return list;

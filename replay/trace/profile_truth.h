@@ -2,12 +2,12 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "replay/trace/profile_file.h"
+#include "replay/trace/profile_sources.h"
 #include "replay/trace/setting_history.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -17,7 +17,8 @@ struct profile_truth {
     std::string member;
     /// As the file has it.
     std::string value;
-    /// The record that it came from.
+    /// The record that it came from; for a member at its default, the last one that told its
+    /// setting.
     std::uint64_t record = 0;
     /// What that record says, such as "long DRX cycle 320 ms"; empty where nothing is known.
     std::string truth;
@@ -25,10 +26,9 @@ struct profile_truth {
     std::string_view difference;
 };
 
-/// The members that came from the trace.
-/// @param sources the records of the members, see `profile_sources`
+/// The members that came from the trace, and those at their defaults whose settings it tells.
 std::vector<profile_truth> truth_beside(const profile_content& profile,
-                                        const std::map<std::string, std::uint64_t>& sources,
+                                        const profile_sources& sources,
                                         const setting_history& settings);
 
 }  // namespace KIVRA::TSHARK::REPLAY

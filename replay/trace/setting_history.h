@@ -65,6 +65,11 @@ class setting_history {
     /// Null for a setting that did not come up.
     const setting_entry* find(std::string_view name, setting_role role) const;
 
+    /// Whether the network had granted it, and a later accept does not any more.
+    bool is_left_out(const setting_entry& given) const {
+        return given.ended_in != 0 && given.ended_in <= registration_.accepted_in;
+    }
+
     const registration_state& registration() const { return registration_; }
 
     /// Of the last message that tells it.

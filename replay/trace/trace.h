@@ -21,7 +21,7 @@ struct trace {
         settings.add(number, record.timestamp, result.settings);
         settings.follow(number, result.message);
         connections.add(number, record, result);
-        sources.follow(number, result.document);
+        sources.follow(number, result.document, settings);
     }
 };
 

@@ -105,6 +105,10 @@ class figures(PageTest):
         shown = dict(self.browser.rows("measured", "Figures"))
         self.assertEqual(shown["paging messages"], str(measured["paging"]))
         self.assertEqual(shown["connections without beginning or end"], str(measured["incomplete"]))
+        timer = measured.get("area_update_timer")
+        self.assertEqual(shown["tracking area updates due by"].partition(" s")[0],
+                         "" if timer is None else f"{timer['name']} {timer['value_s']:.0f}"
+                         if "value_s" in timer else f"{timer['name']} without a time")
         self.assertEqual(shown["malformed messages"], str(summary["unreadable"]["malformed"]))
         self.assertEqual({name.removeprefix("connections for "): int(count)
                           for name, count in shown.items() if name.startswith("connections for ")},
@@ -130,7 +134,7 @@ class figures(PageTest):
             self.assertIn("ritten for this report, and not kept", self.browser.find(place).text)
 
     def expect_profile(self, summary):
-        self.assertEqual(self.browser.rows("profile", "Values from the trace"), [
+        self.assertEqual(self.browser.rows("profile", "Values beside what"), [
             [entry["member"], entry["value"], str(entry["record"]), entry.get("truth", ""),
              "\u2260 " + entry["difference"] if "difference" in entry else ""]
             for entry in summary["profile"]["from_the_trace"]])

@@ -88,24 +88,29 @@ TEST_F(kivra_replay, shows_every_record_of_an_lte_m_attach_and_the_profile) {
                       HasSubstr(", tac 20001, ")));
     EXPECT_THAT(
         result.output,
-        HasSubstr("\nprofile kivra-profile.json\n"
-                  "    cdrx_inactive_timer             100         record 12\n"
-                  "        DRX inactivity timer 100 PDCCH subframes\n"
-                  "    cdrx_int                        30          record 12\n"
-                  "        long DRX cycle 320 ms; differs: place in a table of timers, not\n"
-                  "        milliseconds\n"
-                  "    cdrx_on_duration                10          record 12\n"
-                  "        on-duration timer 10 PDCCH subframes\n"
-                  "    config_lte_psm_req_rat          00000101    record 13\n"
-                  "        T3324 10 s granted\n"
-                  "    config_lte_psm_req_rptau        01000111    record 13\n"
-                  "        T3412 extended 252000 s granted\n"
-                  "    idrx_int                        2.56        record 16\n"
-                  "        default paging cycle 2.56 s\n"
-                  "    idrx_reps                       32          record 16\n"
-                  "        MPDCCH repetitions for paging 32\n"
-                  "    psm                             True        record 13\n"
-                  "    at their defaults: cdrx_len 7, chip 5, "));
+        HasSubstr(
+            "\nprofile kivra-profile.json\n"
+            "    cdrx_inactive_timer             100         record 12\n"
+            "        DRX inactivity timer 100 PDCCH subframes\n"
+            "    cdrx_int                        30          record 12\n"
+            "        long DRX cycle 320 ms; differs: place in a table of timers, not\n"
+            "        milliseconds\n"
+            "    cdrx_on_duration                10          record 12\n"
+            "        on-duration timer 10 PDCCH subframes\n"
+            "    config_lte_psm_req_rat          00000101    record 13\n"
+            "        T3324 10 s granted\n"
+            "    config_lte_psm_req_rptau        01000111    record 13\n"
+            "        T3412 extended 252000 s granted\n"
+            "    idrx_int                        2.56        record 16\n"
+            "        default paging cycle 2.56 s\n"
+            "    idrx_reps                       32          record 16\n"
+            "        MPDCCH repetitions for paging 32\n"
+            "    psm                             True        record 13\n"
+            "        PSM granted: T3324 10 s\n"
+            "    psm_int                         3600        record 20\n"
+            "        T3412 extended deactivated granted; differs: at its default: the profile\n"
+            "        never takes it\n"
+            "    at their defaults: cdrx_len 7, chip 5, "));
     EXPECT_THAT(names_in("."), ElementsAre("kivra-profile.json"));
     EXPECT_EQ(read_json("kivra-profile.json").size(), 31U);
 }

@@ -74,7 +74,7 @@ function profileCard(run) {
   return element("article", {class: "card"}, element("h3", {}, "Profile"),
     element("p", {}, element("strong", {}, written ? "written" : "not written"), ` ${fileOf(profile)}`),
     element("p", {}, written
-      ? `${plural(members.length, "value")} from the trace, ${differing} of them not what was meant`
+      ? `${plural(members.length, "value")} that the trace tells of, ${differing} of them not what was meant`
       : reason));
 }
 

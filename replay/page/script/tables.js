@@ -46,12 +46,18 @@ function durationRows(measured) {
   });
 }
 
-/** [name, text] of each figure that is no duration. */
+function areaUpdateTimerText({name, value_s: seconds}) {
+  return seconds === undefined ? `${name} without a time` : `${name} ${durationText(seconds)}`;
+}
+
+/** [name, text] of each figure that is no duration between records. */
 function figureRows({summary}) {
   const {measured, unreadable} = summary;
   return [
     ["time connected", measured.time_connected_percent === undefined ? ""
       : `${rounded(measured.time_connected_percent, 1)} %`],
+    ["tracking area updates due by", measured.area_update_timer === undefined ? ""
+      : areaUpdateTimerText(measured.area_update_timer)],
     ["connections without beginning or end", grouped(measured.incomplete)],
     ["paging messages", grouped(measured.paging)],
     ...Object.entries(measured.causes).map(([cause, count]) => (
@@ -85,7 +91,7 @@ function showProfile(place, run) {
     place.append(element("p", {}, profile.reason));
     return;
   }
-  place.append(table("Values from the trace beside what they stand for",
+  place.append(table("Values beside what the trace tells of them",
     ["member", "value", "record", "in the trace", "differs"],
     profile.from_the_trace.map(({member, value, record, truth, difference}) => [member, value,
       recordLink(run, record), truth || "", difference ? `\u2260 ${difference}` : ""])));

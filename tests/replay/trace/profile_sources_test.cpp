@@ -1,5 +1,9 @@
 #include "replay/trace/profile_sources.h"
 
+#include <cstdint>
+#include <map>
+#include <string>
+
 #include <gmock/gmock.h>
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -22,8 +26,25 @@ const json paging = rrc({{"idrx_int", "2.56"}, {"idrx_reps", "32"}});
 const json t3324 = timers({{"gprs_timer_2_T3324_value", {{"bitmask", "00000101"}}}});
 const json t3412 = timers({{"gprs_timer_3_T3412_extended_value", {{"bitmask", "01000111"}}}});
 
+/// The numbers of the records; what they say of settings is in profile_truth_test.cpp.
+class records {
+  public:
+    void follow(std::uint64_t number, const json& result) { sources_.follow(number, result, {}); }
+
+    std::map<std::string, std::uint64_t> of_members() const {
+        std::map<std::string, std::uint64_t> numbers;
+        for (const auto& [member, source] : sources_.of_members()) {
+            numbers[member] = source.record;
+        }
+        return numbers;
+    }
+
+  private:
+    profile_sources sources_;
+};
+
 TEST(profile_source, is_the_last_record_that_gave_the_value) {
-    profile_sources sources;
+    records sources;
     sources.follow(1, rrc({{"cdrx_int", "30"}, {"cdrx_on_duration", "10"}}));
     sources.follow(2, rrc({{"cdrx_int", "40"}, {"cdrx_inactive_timer", "100"}}));
     sources.follow(3, rrc({{"idrx_int", "1.28"}}));
@@ -36,7 +57,7 @@ TEST(profile_source, is_the_last_record_that_gave_the_value) {
 }
 
 TEST(profile_source, of_psm_is_both_timers_or_none) {
-    profile_sources sources;
+    records sources;
     sources.follow(1, t3324);
     sources.follow(2, paging);
     EXPECT_THAT(sources.of_members(), ElementsAre(Pair("idrx_int", 2U), Pair("idrx_reps", 2U)));
@@ -50,7 +71,7 @@ TEST(profile_source, of_psm_is_both_timers_or_none) {
 }
 
 TEST(profile_source, is_of_the_last_profile_only) {
-    profile_sources sources;
+    records sources;
     sources.follow(1, rrc({{"cdrx_int", "30"}, {"idrx_int", "1.28"}, {"idrx_reps", "8"}}));
     sources.follow(2, paging);
     sources.follow(3, rrc({{"cdrx_int", "40"}}));
@@ -58,7 +79,7 @@ TEST(profile_source, is_of_the_last_profile_only) {
 }
 
 TEST(profile_source, is_no_record_without_a_result) {
-    profile_sources sources;
+    records sources;
     sources.follow(1, nullptr);
     sources.follow(2, timers({{"pdn", json::object()}}));
     EXPECT_THAT(sources.of_members(), IsEmpty());

@@ -140,12 +140,68 @@ TEST_F(summaries, of_values_that_are_not_known_follow_the_schema) {
             [](const json& entry) { return entry["in_force"].value("known", true); }, false)));
 }
 
+/// An accept with T3412, and three updates an hour apart.
+class area_update_summaries : public summaries {
+  protected:
+    /// @param timer what the accept says of it
+    static void write_updates(const std::string& timer) {
+        const std::string request("\x07\x48\x00\x0b\xf6\x62\xf2\x20\x80\x03\xc8\xc2\xe6\x5e\x9a",
+                                  15);
+        const std::string accept = std::string("\x07\x49\x00", 3) + timer;
+        std::vector<image_packet> packets{{exported_pdu_image("nas-eps", accept), 0}};
+        constexpr std::uint64_t hour = 3'600'000'000;
+        for (std::uint64_t i = 1; i <= 3; ++i) {
+            packets.push_back({exported_pdu_image("nas-eps", request), i * hour});
+        }
+        write_capture(packets);
+    }
+};
+
+TEST_F(area_update_summaries, have_the_timer_beside_the_updates) {
+    write_updates({'\x5a', '\x49'});
+    const auto result = run_replay({"--summary", "summary.json", "capture.pcapng"});
+    EXPECT_THAT(
+        result.output,
+        HasSubstr("\nmeasured\n"
+                  "    between area updates            2 x, 3600 s (60 min) to 3600 s (60 min),\n"
+                  "                                    median 3600 s (60 min)\n"
+                  "    area updates due                every 3240 s (54 min), which is T3412\n"));
+    EXPECT_EQ(complaints(), "");
+    const auto measured = read_json("summary.json")["measured"];
+    EXPECT_EQ(measured["between_area_updates"]["median_s"], 3600);
+    EXPECT_EQ(measured["area_update_timer"],
+              json({{"name", "T3412"}, {"value_s", 3240}, {"record", 1}}));
+}
+
+TEST_F(area_update_summaries, have_a_timer_that_is_deactivated_without_a_time) {
+    write_updates({'\x5a', '\xe0'});
+    EXPECT_THAT(run_replay({"--summary", "summary.json", "capture.pcapng"}).output,
+                HasSubstr("\n    area updates due                deactivated: T3412\n"));
+    EXPECT_EQ(complaints(), "");
+    EXPECT_EQ(read_json("summary.json")["measured"]["area_update_timer"],
+              json({{"name", "T3412"}, {"record", 1}}));
+}
+
+TEST_F(area_update_summaries, have_no_timer_where_none_is_granted) {
+    write_updates({});
+    EXPECT_THAT(run_replay({"--summary", "summary.json", "capture.pcapng"}).output,
+                testing::Not(HasSubstr("area updates due")));
+    EXPECT_EQ(complaints(), "");
+    EXPECT_FALSE(read_json("summary.json")["measured"].contains("area_update_timer"));
+}
+
+TEST_F(area_update_summaries, for_people_have_no_timer_without_updates) {
+    const auto result = run_replay({capture_file("ltem_attach_psm.pcapng")});
+    EXPECT_THAT(result.output, HasSubstr("\nmeasured\n"));
+    EXPECT_THAT(result.output, testing::Not(HasSubstr("area updates due")));
+}
+
 TEST_F(summaries, with_a_member_more_do_not_follow_the_schema) {
     const auto summary = summary_of(capture_file("ltem_attach_psm.pcapng"));
     for (const char* const place :
          {"", "/records", "/formats/ip", "/unreadable", "/settings/0", "/settings/0/in_force",
-          "/measured", "/measured/connected", "/measured/connections/0", "/conclusions/0",
-          "/profile", "/profile/from_the_trace/0"}) {
+          "/measured", "/measured/connected", "/measured/area_update_timer",
+          "/measured/connections/0", "/conclusions/0", "/profile", "/profile/from_the_trace/0"}) {
         auto changed = summary;
         changed.at(json::json_pointer(place))["more"] = 1;
         write_file("summary.json", changed.dump());
