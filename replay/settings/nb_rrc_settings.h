@@ -66,6 +66,7 @@ inline constexpr std::string_view nb_rlf = "36.331, 6.7.3.2 (RLF-TimersAndConsta
 inline constexpr std::string_view nb_mac = "36.331, 6.7.3.2 (MAC-MainConfig-NB)";
 inline constexpr std::string_view nb_physical = "36.331, 6.7.3.2 (PhysicalConfigDedicated-NB)";
 inline constexpr std::string_view nb_release = "36.331, 6.7.2 (RRCConnectionRelease-NB)";
+inline constexpr std::string_view nb_early = "36.331, 6.7.2 (RRCEarlyDataComplete-NB)";
 inline constexpr std::string_view nb_reject = "36.331, 6.7.2 (RRCConnectionReject-NB)";
 }  // namespace CLAUSE
 
@@ -186,7 +187,7 @@ inline constexpr auto nb_rrc_settings = std::to_array<table_row>({
     {"t310_r13", in_connection, "T310", "ms", CLAUSE::nb_rlf, reading::indexed, nb_t310_values},
     {"n310_r13", in_connection, "N310", "", CLAUSE::nb_rlf, reading::indexed, n310_values},
 
-    // Connection release and reject.
+    // Connection release, early data complete, which ends a connection as well, and reject.
     {"releaseCause_r13", in_release, "release cause", "", CLAUSE::nb_release, reading::indexed,
      nb_release_causes},
     {"extendedWaitTime_r13",
@@ -216,6 +217,15 @@ inline constexpr auto nb_rrc_settings = std::to_array<table_row>({
      {},
      0,
      262143},
+    {"extendedWaitTime_r15",
+     in_release,
+     "extended wait time",
+     "s",
+     CLAUSE::nb_early,
+     reading::number,
+     {},
+     1,
+     1800},
     {"extendedWaitTime_r13",
      in_reject,
      "extended wait time",

@@ -37,6 +37,7 @@ inline constexpr auto rrc_places = std::to_array<rrc_place>({
     {"rrcConnectionReestablishment_r13_element", in_connection},
     {"rrcConnectionRelease_element", in_release},
     {"rrcConnectionRelease_r13_element", in_release},
+    {"rrcEarlyDataComplete_r15_element", in_release},
     {"rrcConnectionReject_element", in_reject},
     {"rrcConnectionReject_r13_element", in_reject},
 });
@@ -117,6 +118,9 @@ inline constexpr auto release_causes = std::to_array<std::string_view>(
 inline constexpr auto redirections =
     std::to_array<std::string_view>({"E-UTRA", "GERAN", "UTRA FDD", "UTRA TDD", "CDMA2000 HRPD",
                                      "CDMA2000 1xRTT", "UTRA TDD", "NR"});
+/// RRCEarlyDataComplete-r15 (6.2.2): the kinds of RedirectedCarrierInfo-r15-IEs.
+inline constexpr auto early_redirections = std::to_array<std::string_view>(
+    {"E-UTRA", "GERAN", "UTRA FDD", "CDMA2000 HRPD", "CDMA2000 1xRTT", "UTRA TDD"});
 
 namespace CLAUSE {
 inline constexpr std::string_view sib1 = "36.331, 6.2.2 (SystemInformationBlockType1)";
@@ -130,6 +134,7 @@ inline constexpr std::string_view mac = "36.331, 6.3.2 (MAC-MainConfig)";
 inline constexpr std::string_view physical = "36.331, 6.3.2 (PhysicalConfigDedicated)";
 inline constexpr std::string_view epdcch = "36.331, 6.3.2 (EPDCCH-Config)";
 inline constexpr std::string_view release = "36.331, 6.2.2 (RRCConnectionRelease)";
+inline constexpr std::string_view early = "36.331, 6.2.2 (RRCEarlyDataComplete)";
 inline constexpr std::string_view reject = "36.331, 6.2.2 (RRCConnectionReject)";
 }  // namespace CLAUSE
 
@@ -272,7 +277,8 @@ inline constexpr auto rrc_settings = std::to_array<table_row>({
      t310_v1330_values},
     {"n310_r9", in_connection, "N310", "", CLAUSE::rlf, reading::indexed, n310_values},
 
-    // Connection release and reject. E-UTRA carrier 65535 says that a v9e0 field has the carrier.
+    // Connection release, early data complete, which ends a connection as well, and
+    // reject. E-UTRA carrier 65535 says that a v9e0 field has the carrier.
     {"releaseCause", in_release, "release cause", "", CLAUSE::release, reading::indexed,
      release_causes},
     {"extendedWaitTime_r10",
@@ -320,6 +326,35 @@ inline constexpr auto rrc_settings = std::to_array<table_row>({
      "redirection's carrier",
      "UARFCN",
      CLAUSE::release,
+     reading::number,
+     {},
+     0,
+     16383},
+    {"extendedWaitTime_r15",
+     in_release,
+     "extended wait time",
+     "s",
+     CLAUSE::early,
+     reading::number,
+     {},
+     1,
+     1800},
+    {"redirectedCarrierInfo_r15", in_release, "redirection", "", CLAUSE::early, reading::indexed,
+     early_redirections},
+    {"eutra_r15",
+     in_release,
+     "redirection's carrier",
+     "EARFCN",
+     CLAUSE::early,
+     reading::number,
+     {},
+     0,
+     262143},
+    {"utra_FDD_r15",
+     in_release,
+     "redirection's carrier",
+     "UARFCN",
+     CLAUSE::early,
      reading::number,
      {},
      0,
