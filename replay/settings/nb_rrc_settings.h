@@ -55,6 +55,7 @@ inline constexpr auto nb_release_causes =
 
 namespace CLAUSE {
 inline constexpr std::string_view nb_mib = "36.331, 6.7.2 (MasterInformationBlock-NB)";
+inline constexpr std::string_view nb_tdd_mib = "36.331, 6.7.2 (MasterInformationBlock-TDD-NB)";
 inline constexpr std::string_view nb_sib1 = "36.331, 6.7.2 (SystemInformationBlockType1-NB)";
 inline constexpr std::string_view nb_sib2 = "36.331, 6.7.3.1 (SystemInformationBlockType2-NB)";
 inline constexpr std::string_view nb_common = "36.331, 6.7.3.2 (RadioResourceConfigCommonSIB-NB)";
@@ -71,7 +72,7 @@ inline constexpr std::string_view nb_reject = "36.331, 6.7.2 (RRCConnectionRejec
 }  // namespace CLAUSE
 
 inline constexpr auto nb_rrc_settings = std::to_array<table_row>({
-    // Master information block and system information block 1, which share the hyper-SFN.
+    // Master information blocks and system information block 1, which share the hyper-SFN.
     {"hyperSFN_LSB_r13",
      in_mib,
      "hyper-SFN, 2 lower bits",
@@ -81,6 +82,18 @@ inline constexpr auto nb_rrc_settings = std::to_array<table_row>({
      {},
      0,
      2},
+    {"hyperSFN_LSB_r15",
+     in_mib,
+     "hyper-SFN, 2 lower bits",
+     "",
+     CLAUSE::nb_tdd_mib,
+     reading::bits,
+     {},
+     0,
+     2},
+    {"ab_Enabled_r13", in_mib, "access barring", "", CLAUSE::nb_mib, reading::indexed, no_or_yes},
+    {"ab_Enabled_r15", in_mib, "access barring", "", CLAUSE::nb_tdd_mib, reading::indexed,
+     no_or_yes},
     {"hyperSFN_MSB_r13",
      in_sib1,
      "hyper-SFN, 8 upper bits",

@@ -19,6 +19,7 @@ struct rrc_place {
 
 inline constexpr auto rrc_places = std::to_array<rrc_place>({
     {"BCCH_BCH_Message_NB_element", in_mib},
+    {"BCCH_BCH_Message_TDD_NB_element", in_mib},
     {"systemInformationBlockType1_element", in_sib1},
     {"systemInformationBlockType1_BR_r13_element", in_sib1},
     {"systemInformationBlockType1_r13_element", in_sib1},
