@@ -76,6 +76,8 @@ inline constexpr auto n310_values =
 /// WUS-Config-r15 (6.3.2): the duration as a share of Rmax, paging occasions, gaps in ms.
 inline constexpr auto wus_durations =
     std::to_array<std::string_view>({"1/32", "1/16", "1/8", "1/4"});
+/// numPOs-r15 is n1 by default.
+inline constexpr auto default_wus_occasions = std::to_array<std::string_view>({"1"});
 inline constexpr auto wus_occasions = std::to_array<std::string_view>({"1", "2", "4"});
 inline constexpr auto wus_gaps = std::to_array<std::string_view>({"40", "80", "160", "240"});
 inline constexpr auto wus_long_gaps = std::to_array<std::string_view>({"1000", "2000"});
@@ -203,8 +205,10 @@ inline constexpr auto rrc_settings = std::to_array<table_row>({
      -140},
     {"maxDurationFactor_r15", in_sib2, "WUS maximum duration", "Rmax", CLAUSE::wus,
      reading::indexed, wus_durations},
+    {"wus_Config_r15_element", in_sib2, "WUS paging occasions", "", CLAUSE::wus, reading::presence,
+     default_wus_occasions},
     {"numPOs_r15", in_sib2, "WUS paging occasions", "", CLAUSE::wus, reading::indexed,
-     wus_occasions},
+     wus_occasions, 0, 0, 0, 1},
     {"timeOffsetDRX_r15", in_sib2, "WUS gap, DRX", "ms", CLAUSE::wus, reading::indexed, wus_gaps},
     {"timeOffset_eDRX_Short_r15", in_sib2, "WUS gap, eDRX, short", "ms", CLAUSE::wus,
      reading::indexed, wus_gaps},
