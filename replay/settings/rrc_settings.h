@@ -230,6 +230,8 @@ inline constexpr auto rrc_settings = std::to_array<table_row>({
     // Connection setup and reconfiguration. The suffixed fields replace the plain ones.
     {"drx_Config", in_connection, "connected-mode DRX", "", CLAUSE::mac, reading::indexed,
      released_or_setup},
+    {"drx_Config_r13", in_connection, "further DRX timers", "", CLAUSE::mac, reading::indexed,
+     released_or_setup},
     {"longDRX_CycleStartOffset", in_connection, "long DRX cycle", "ms", CLAUSE::mac,
      reading::indexed, long_cycles},
     {"longDRX_CycleStartOffset_v1130", in_connection, "long DRX cycle", "ms", CLAUSE::mac,
