@@ -1,4 +1,5 @@
 // docs/settings.md shows the tables as they are.
+#include <algorithm>
 #include <span>
 #include <string>
 #include <string_view>
@@ -68,8 +69,9 @@ std::string values_of(const table_row& row) {
             break;
     }
     std::string values;
-    for (const std::string_view value : row.values) {
-        values = joined(values, value);
+    for (auto value = row.values.begin(); value != row.values.end(); ++value) {
+        const bool is_listed = std::find(row.values.begin(), value, *value) != value;
+        values = joined(values, is_listed ? "" : *value);
     }
     return values;
 }
