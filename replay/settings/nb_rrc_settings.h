@@ -34,10 +34,9 @@ inline constexpr auto nb_t300_r15_values = std::to_array<std::string_view>(
     {"6000", "10000", "15000", "25000", "40000", "60000", "80000", "120000"});
 inline constexpr auto nb_t310_values =
     std::to_array<std::string_view>({"0", "200", "500", "1000", "2000", "4000", "8000"});
-/// WUS-Config-NB-r15 (6.7.3.2): the duration as a share of Rmax.
+/// WUS-Config-NB-r15 and GWUS-Config-NB-r16 (6.7.3.2): the duration as a share of Rmax.
 inline constexpr auto nb_wus_durations =
     std::to_array<std::string_view>({"1/128", "1/64", "1/32", "1/16", "1/8", "1/4", "1/2"});
-inline constexpr auto nb_relaxed_cycles = std::to_array<std::string_view>({"1", "2", "4", "8"});
 /// DRX-Config-NB-r13 in MAC-MainConfig-NB-r13 (6.7.3.2): pp in PDCCH periods, sf in ms.
 inline constexpr auto nb_on_durations =
     std::to_array<std::string_view>({"1", "2", "3", "4", "8", "16", "32"});
@@ -62,6 +61,7 @@ inline constexpr std::string_view nb_common = "36.331, 6.7.3.2 (RadioResourceCon
 inline constexpr std::string_view nb_nprach =
     "36.331, 6.7.3.2 (NPRACH-ConfigSIB-NB); 36.133, 9.1.4";
 inline constexpr std::string_view nb_wus = "36.331, 6.7.3.2 (WUS-Config-NB)";
+inline constexpr std::string_view nb_group_wus = "36.331, 6.7.3.2 (GWUS-Config-NB)";
 inline constexpr std::string_view nb_timers = "36.331, 6.7.3.6 (UE-TimersAndConstants-NB)";
 inline constexpr std::string_view nb_rlf = "36.331, 6.7.3.2 (RLF-TimersAndConstants-NB)";
 inline constexpr std::string_view nb_mac = "36.331, 6.7.3.2 (MAC-MainConfig-NB)";
@@ -157,13 +157,27 @@ inline constexpr auto nb_rrc_settings = std::to_array<table_row>({
     {"numPOs_r15", in_sib2, "WUS paging occasions", "", CLAUSE::nb_wus, reading::indexed,
      wus_occasions, 0, 0, 0, 1},
     {"numDRX_CyclesRelaxed_r15", in_sib2, "WUS relaxed DRX cycles", "", CLAUSE::nb_wus,
-     reading::indexed, nb_relaxed_cycles},
+     reading::indexed, wus_relaxed_cycles},
     {"timeOffsetDRX_r15", in_sib2, "WUS gap, DRX", "ms", CLAUSE::nb_wus, reading::indexed,
      wus_gaps},
     {"timeOffset_eDRX_Short_r15", in_sib2, "WUS gap, eDRX, short", "ms", CLAUSE::nb_wus,
      reading::indexed, wus_gaps},
     {"timeOffset_eDRX_Long_r15", in_sib2, "WUS gap, eDRX, long", "ms", CLAUSE::nb_wus,
      reading::indexed, wus_long_gaps},
+    {"timeParameters_r16_element", in_group_wus, "group WUS paging occasions", "",
+     CLAUSE::nb_group_wus, reading::presence, default_wus_occasions},
+    {"maxDurationFactor_r15", in_group_wus, "group WUS maximum duration", "Rmax",
+     CLAUSE::nb_group_wus, reading::indexed, nb_wus_durations},
+    {"numPOs_r15", in_group_wus, "group WUS paging occasions", "", CLAUSE::nb_group_wus,
+     reading::indexed, wus_occasions, 0, 0, 0, 1},
+    {"numDRX_CyclesRelaxed_r15", in_group_wus, "group WUS relaxed DRX cycles", "",
+     CLAUSE::nb_group_wus, reading::indexed, wus_relaxed_cycles},
+    {"timeOffsetDRX_r15", in_group_wus, "group WUS gap, DRX", "ms", CLAUSE::nb_group_wus,
+     reading::indexed, wus_gaps},
+    {"timeOffset_eDRX_Short_r15", in_group_wus, "group WUS gap, eDRX, short", "ms",
+     CLAUSE::nb_group_wus, reading::indexed, wus_gaps},
+    {"timeOffset_eDRX_Long_r15", in_group_wus, "group WUS gap, eDRX, long", "ms",
+     CLAUSE::nb_group_wus, reading::indexed, wus_long_gaps},
     {"cp_EDT_r15", in_sib2, "early data transmission, control plane", "", CLAUSE::nb_sib2,
      reading::indexed, only_yes},
     {"up_EDT_r15", in_sib2, "early data transmission, user plane", "", CLAUSE::nb_sib2,

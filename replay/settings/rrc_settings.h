@@ -29,6 +29,7 @@ inline constexpr auto rrc_places = std::to_array<rrc_place>({
     {"sib2_element", in_sib2},
     {"sib2_r13_element", in_sib2},
     {"rsrp_ThresholdsPrachInfoList_r13_tree", in_ce_thresholds, in_sib2},
+    {"gwus_Config_r16_element", in_group_wus, in_sib2},
     {"rrcConnectionSetup_element", in_connection},
     {"rrcConnectionSetup_r13_element", in_connection},
     {"rrcConnectionReconfiguration_element", in_connection},
@@ -73,12 +74,14 @@ inline constexpr auto t310_values =
 inline constexpr auto t310_v1330_values = std::to_array<std::string_view>({"4000", "6000"});
 inline constexpr auto n310_values =
     std::to_array<std::string_view>({"1", "2", "3", "4", "6", "8", "10", "20"});
-/// WUS-Config-r15 (6.3.2): the duration as a share of Rmax, paging occasions, gaps in ms.
+/// WUS-Config-r15 and GWUS-Config-r16 (6.3.2): the duration as a share of Rmax, paging occasions,
+/// gaps in ms.
 inline constexpr auto wus_durations =
     std::to_array<std::string_view>({"1/32", "1/16", "1/8", "1/4"});
-/// numPOs-r15 is n1 by default.
+/// numPOs is n1 by default.
 inline constexpr auto default_wus_occasions = std::to_array<std::string_view>({"1"});
 inline constexpr auto wus_occasions = std::to_array<std::string_view>({"1", "2", "4"});
+inline constexpr auto wus_relaxed_cycles = std::to_array<std::string_view>({"1", "2", "4", "8"});
 inline constexpr auto wus_gaps = std::to_array<std::string_view>({"40", "80", "160", "240"});
 inline constexpr auto wus_long_gaps = std::to_array<std::string_view>({"1000", "2000"});
 /// DRX-Config in MAC-MainConfig (6.3.2): psf in PDCCH subframes, sf in ms. 22 of the inactivity
@@ -131,6 +134,7 @@ inline constexpr std::string_view sib2 = "36.331, 6.3.1 (SystemInformationBlockT
 inline constexpr std::string_view pcch = "36.331, 6.3.2 (PCCH-Config)";
 inline constexpr std::string_view prach = "36.331, 6.3.2 (PRACH-Config); 36.133, 9.1.4";
 inline constexpr std::string_view wus = "36.331, 6.3.2 (WUS-Config)";
+inline constexpr std::string_view group_wus = "36.331, 6.3.2 (GWUS-Config)";
 inline constexpr std::string_view timers = "36.331, 6.3.6 (UE-TimersAndConstants)";
 inline constexpr std::string_view rlf = "36.331, 6.3.2 (RLF-TimersAndConstants)";
 inline constexpr std::string_view mac = "36.331, 6.3.2 (MAC-MainConfig)";
@@ -213,6 +217,22 @@ inline constexpr auto rrc_settings = std::to_array<table_row>({
     {"timeOffset_eDRX_Short_r15", in_sib2, "WUS gap, eDRX, short", "ms", CLAUSE::wus,
      reading::indexed, wus_gaps},
     {"timeOffset_eDRX_Long_r15", in_sib2, "WUS gap, eDRX, long", "ms", CLAUSE::wus,
+     reading::indexed, wus_long_gaps},
+    {"numDRX_CyclesRelaxed_r16", in_sib2, "WUS relaxed DRX cycles", "", CLAUSE::wus,
+     reading::indexed, wus_relaxed_cycles},
+    {"timeParameters_r16_element", in_group_wus, "group WUS paging occasions", "",
+     CLAUSE::group_wus, reading::presence, default_wus_occasions},
+    {"maxDurationFactor_r16", in_group_wus, "group WUS maximum duration", "Rmax", CLAUSE::group_wus,
+     reading::indexed, wus_durations},
+    {"numPOs_r16", in_group_wus, "group WUS paging occasions", "", CLAUSE::group_wus,
+     reading::indexed, wus_occasions, 0, 0, 0, 1},
+    {"numDRX_CyclesRelaxed_r16", in_group_wus, "group WUS relaxed DRX cycles", "",
+     CLAUSE::group_wus, reading::indexed, wus_relaxed_cycles},
+    {"timeOffsetDRX_r16", in_group_wus, "group WUS gap, DRX", "ms", CLAUSE::group_wus,
+     reading::indexed, wus_gaps},
+    {"timeOffset_eDRX_Short_r16", in_group_wus, "group WUS gap, eDRX, short", "ms",
+     CLAUSE::group_wus, reading::indexed, wus_gaps},
+    {"timeOffset_eDRX_Long_r16", in_group_wus, "group WUS gap, eDRX, long", "ms", CLAUSE::group_wus,
      reading::indexed, wus_long_gaps},
     {"cp_EDT_r15", in_sib2, "early data transmission, control plane", "", CLAUSE::sib2,
      reading::indexed, only_yes},

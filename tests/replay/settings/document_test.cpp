@@ -29,7 +29,8 @@ std::string roles_of(const table_row& row) {
     if ((row.where & in_nas_answer) != 0) {
         roles = joined(roles, "granted");
     }
-    if ((row.where & (in_mib | in_sib1 | in_further_bands | in_sib2 | in_ce_thresholds)) != 0) {
+    if ((row.where &
+         (in_mib | in_sib1 | in_further_bands | in_sib2 | in_ce_thresholds | in_group_wus)) != 0) {
         roles = joined(roles, "broadcast");
     }
     if ((row.where & (in_connection | in_release | in_reject)) != 0) {
