@@ -44,10 +44,12 @@ inline constexpr auto esm_settings_messages = std::to_array<settings_message>({
 /// 24.301, 9.9.3.0B (additional update type): preferred CIoT network behaviour.
 inline constexpr auto preferred_optimisations =
     std::to_array<std::string_view>({"no preference", "control plane", "user plane"});
-/// 24.008, 10.5.5.6 (DRX parameter): DRX value for S1 mode, T of 32 to 256 radio frames, in s. The
-/// rest counts as not specified.
+/// 24.008, 10.5.5.6 (DRX parameter): DRX value for S1 mode, T of 32 to 256 radio frames, in s. All
+/// other values are to be read as not specified.
 inline constexpr auto drx_values = std::to_array<std::string_view>(
-    {"not specified", "", "", "", "", "", "0.32", "0.64", "1.28", "2.56"});
+    {"not specified", "not specified", "not specified", "not specified", "not specified",
+     "not specified", "0.32", "0.64", "1.28", "2.56", "not specified", "not specified",
+     "not specified", "not specified", "not specified", "not specified"});
 /// 24.301, 9.9.3.63 (NB-S1 DRX parameter): T of 32 to 1024 radio frames, in s.
 inline constexpr auto nb_drx_values = std::to_array<std::string_view>(
     {"not specified", "0.32", "0.64", "1.28", "2.56", "5.12", "10.24"});

@@ -34,10 +34,9 @@ inline constexpr auto nb_t300_r15_values = std::to_array<std::string_view>(
     {"6000", "10000", "15000", "25000", "40000", "60000", "80000", "120000"});
 inline constexpr auto nb_t310_values =
     std::to_array<std::string_view>({"0", "200", "500", "1000", "2000", "4000", "8000"});
-/// WUS-Config-NB-r15 (6.7.3.2): the duration as a share of Rmax.
+/// WUS-Config-NB-r15 and GWUS-Config-NB-r16 (6.7.3.2): the duration as a share of Rmax.
 inline constexpr auto nb_wus_durations =
     std::to_array<std::string_view>({"1/128", "1/64", "1/32", "1/16", "1/8", "1/4", "1/2"});
-inline constexpr auto nb_relaxed_cycles = std::to_array<std::string_view>({"1", "2", "4", "8"});
 /// DRX-Config-NB-r13 in MAC-MainConfig-NB-r13 (6.7.3.2): pp in PDCCH periods, sf in ms.
 inline constexpr auto nb_on_durations =
     std::to_array<std::string_view>({"1", "2", "3", "4", "8", "16", "32"});
@@ -55,22 +54,25 @@ inline constexpr auto nb_release_causes =
 
 namespace CLAUSE {
 inline constexpr std::string_view nb_mib = "36.331, 6.7.2 (MasterInformationBlock-NB)";
+inline constexpr std::string_view nb_tdd_mib = "36.331, 6.7.2 (MasterInformationBlock-TDD-NB)";
 inline constexpr std::string_view nb_sib1 = "36.331, 6.7.2 (SystemInformationBlockType1-NB)";
 inline constexpr std::string_view nb_sib2 = "36.331, 6.7.3.1 (SystemInformationBlockType2-NB)";
 inline constexpr std::string_view nb_common = "36.331, 6.7.3.2 (RadioResourceConfigCommonSIB-NB)";
 inline constexpr std::string_view nb_nprach =
     "36.331, 6.7.3.2 (NPRACH-ConfigSIB-NB); 36.133, 9.1.4";
 inline constexpr std::string_view nb_wus = "36.331, 6.7.3.2 (WUS-Config-NB)";
+inline constexpr std::string_view nb_group_wus = "36.331, 6.7.3.2 (GWUS-Config-NB)";
 inline constexpr std::string_view nb_timers = "36.331, 6.7.3.6 (UE-TimersAndConstants-NB)";
 inline constexpr std::string_view nb_rlf = "36.331, 6.7.3.2 (RLF-TimersAndConstants-NB)";
 inline constexpr std::string_view nb_mac = "36.331, 6.7.3.2 (MAC-MainConfig-NB)";
 inline constexpr std::string_view nb_physical = "36.331, 6.7.3.2 (PhysicalConfigDedicated-NB)";
 inline constexpr std::string_view nb_release = "36.331, 6.7.2 (RRCConnectionRelease-NB)";
+inline constexpr std::string_view nb_early = "36.331, 6.7.2 (RRCEarlyDataComplete-NB)";
 inline constexpr std::string_view nb_reject = "36.331, 6.7.2 (RRCConnectionReject-NB)";
 }  // namespace CLAUSE
 
 inline constexpr auto nb_rrc_settings = std::to_array<table_row>({
-    // Master information block and system information block 1, which share the hyper-SFN.
+    // Master information blocks and system information block 1, which share the hyper-SFN.
     {"hyperSFN_LSB_r13",
      in_mib,
      "hyper-SFN, 2 lower bits",
@@ -80,6 +82,18 @@ inline constexpr auto nb_rrc_settings = std::to_array<table_row>({
      {},
      0,
      2},
+    {"hyperSFN_LSB_r15",
+     in_mib,
+     "hyper-SFN, 2 lower bits",
+     "",
+     CLAUSE::nb_tdd_mib,
+     reading::bits,
+     {},
+     0,
+     2},
+    {"ab_Enabled_r13", in_mib, "access barring", "", CLAUSE::nb_mib, reading::indexed, no_or_yes},
+    {"ab_Enabled_r15", in_mib, "access barring", "", CLAUSE::nb_tdd_mib, reading::indexed,
+     no_or_yes},
     {"hyperSFN_MSB_r13",
      in_sib1,
      "hyper-SFN, 8 upper bits",
@@ -138,16 +152,32 @@ inline constexpr auto nb_rrc_settings = std::to_array<table_row>({
      -140},
     {"maxDurationFactor_r15", in_sib2, "WUS maximum duration", "Rmax", CLAUSE::nb_wus,
      reading::indexed, nb_wus_durations},
+    {"wus_Config_r15_element", in_sib2, "WUS paging occasions", "", CLAUSE::nb_wus,
+     reading::presence, default_wus_occasions},
     {"numPOs_r15", in_sib2, "WUS paging occasions", "", CLAUSE::nb_wus, reading::indexed,
-     wus_occasions},
+     wus_occasions, 0, 0, 0, 1},
     {"numDRX_CyclesRelaxed_r15", in_sib2, "WUS relaxed DRX cycles", "", CLAUSE::nb_wus,
-     reading::indexed, nb_relaxed_cycles},
+     reading::indexed, wus_relaxed_cycles},
     {"timeOffsetDRX_r15", in_sib2, "WUS gap, DRX", "ms", CLAUSE::nb_wus, reading::indexed,
      wus_gaps},
     {"timeOffset_eDRX_Short_r15", in_sib2, "WUS gap, eDRX, short", "ms", CLAUSE::nb_wus,
      reading::indexed, wus_gaps},
     {"timeOffset_eDRX_Long_r15", in_sib2, "WUS gap, eDRX, long", "ms", CLAUSE::nb_wus,
      reading::indexed, wus_long_gaps},
+    {"timeParameters_r16_element", in_group_wus, "group WUS paging occasions", "",
+     CLAUSE::nb_group_wus, reading::presence, default_wus_occasions},
+    {"maxDurationFactor_r15", in_group_wus, "group WUS maximum duration", "Rmax",
+     CLAUSE::nb_group_wus, reading::indexed, nb_wus_durations},
+    {"numPOs_r15", in_group_wus, "group WUS paging occasions", "", CLAUSE::nb_group_wus,
+     reading::indexed, wus_occasions, 0, 0, 0, 1},
+    {"numDRX_CyclesRelaxed_r15", in_group_wus, "group WUS relaxed DRX cycles", "",
+     CLAUSE::nb_group_wus, reading::indexed, wus_relaxed_cycles},
+    {"timeOffsetDRX_r15", in_group_wus, "group WUS gap, DRX", "ms", CLAUSE::nb_group_wus,
+     reading::indexed, wus_gaps},
+    {"timeOffset_eDRX_Short_r15", in_group_wus, "group WUS gap, eDRX, short", "ms",
+     CLAUSE::nb_group_wus, reading::indexed, wus_gaps},
+    {"timeOffset_eDRX_Long_r15", in_group_wus, "group WUS gap, eDRX, long", "ms",
+     CLAUSE::nb_group_wus, reading::indexed, wus_long_gaps},
     {"cp_EDT_r15", in_sib2, "early data transmission, control plane", "", CLAUSE::nb_sib2,
      reading::indexed, only_yes},
     {"up_EDT_r15", in_sib2, "early data transmission, user plane", "", CLAUSE::nb_sib2,
@@ -186,7 +216,7 @@ inline constexpr auto nb_rrc_settings = std::to_array<table_row>({
     {"t310_r13", in_connection, "T310", "ms", CLAUSE::nb_rlf, reading::indexed, nb_t310_values},
     {"n310_r13", in_connection, "N310", "", CLAUSE::nb_rlf, reading::indexed, n310_values},
 
-    // Connection release and reject.
+    // Connection release, early data complete, which ends a connection as well, and reject.
     {"releaseCause_r13", in_release, "release cause", "", CLAUSE::nb_release, reading::indexed,
      nb_release_causes},
     {"extendedWaitTime_r13",
@@ -216,6 +246,15 @@ inline constexpr auto nb_rrc_settings = std::to_array<table_row>({
      {},
      0,
      262143},
+    {"extendedWaitTime_r15",
+     in_release,
+     "extended wait time",
+     "s",
+     CLAUSE::nb_early,
+     reading::number,
+     {},
+     1,
+     1800},
     {"extendedWaitTime_r13",
      in_reject,
      "extended wait time",

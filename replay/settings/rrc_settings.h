@@ -19,6 +19,7 @@ struct rrc_place {
 
 inline constexpr auto rrc_places = std::to_array<rrc_place>({
     {"BCCH_BCH_Message_NB_element", in_mib},
+    {"BCCH_BCH_Message_TDD_NB_element", in_mib},
     {"systemInformationBlockType1_element", in_sib1},
     {"systemInformationBlockType1_BR_r13_element", in_sib1},
     {"systemInformationBlockType1_r13_element", in_sib1},
@@ -28,6 +29,7 @@ inline constexpr auto rrc_places = std::to_array<rrc_place>({
     {"sib2_element", in_sib2},
     {"sib2_r13_element", in_sib2},
     {"rsrp_ThresholdsPrachInfoList_r13_tree", in_ce_thresholds, in_sib2},
+    {"gwus_Config_r16_element", in_group_wus, in_sib2},
     {"rrcConnectionSetup_element", in_connection},
     {"rrcConnectionSetup_r13_element", in_connection},
     {"rrcConnectionReconfiguration_element", in_connection},
@@ -37,6 +39,7 @@ inline constexpr auto rrc_places = std::to_array<rrc_place>({
     {"rrcConnectionReestablishment_r13_element", in_connection},
     {"rrcConnectionRelease_element", in_release},
     {"rrcConnectionRelease_r13_element", in_release},
+    {"rrcEarlyDataComplete_r15_element", in_release},
     {"rrcConnectionReject_element", in_reject},
     {"rrcConnectionReject_r13_element", in_reject},
 });
@@ -71,10 +74,14 @@ inline constexpr auto t310_values =
 inline constexpr auto t310_v1330_values = std::to_array<std::string_view>({"4000", "6000"});
 inline constexpr auto n310_values =
     std::to_array<std::string_view>({"1", "2", "3", "4", "6", "8", "10", "20"});
-/// WUS-Config-r15 (6.3.2): the duration as a share of Rmax, paging occasions, gaps in ms.
+/// WUS-Config-r15 and GWUS-Config-r16 (6.3.2): the duration as a share of Rmax, paging occasions,
+/// gaps in ms.
 inline constexpr auto wus_durations =
     std::to_array<std::string_view>({"1/32", "1/16", "1/8", "1/4"});
+/// numPOs is n1 by default.
+inline constexpr auto default_wus_occasions = std::to_array<std::string_view>({"1"});
 inline constexpr auto wus_occasions = std::to_array<std::string_view>({"1", "2", "4"});
+inline constexpr auto wus_relaxed_cycles = std::to_array<std::string_view>({"1", "2", "4", "8"});
 inline constexpr auto wus_gaps = std::to_array<std::string_view>({"40", "80", "160", "240"});
 inline constexpr auto wus_long_gaps = std::to_array<std::string_view>({"1000", "2000"});
 /// DRX-Config in MAC-MainConfig (6.3.2): psf in PDCCH subframes, sf in ms. 22 of the inactivity
@@ -117,6 +124,9 @@ inline constexpr auto release_causes = std::to_array<std::string_view>(
 inline constexpr auto redirections =
     std::to_array<std::string_view>({"E-UTRA", "GERAN", "UTRA FDD", "UTRA TDD", "CDMA2000 HRPD",
                                      "CDMA2000 1xRTT", "UTRA TDD", "NR"});
+/// RRCEarlyDataComplete-r15 (6.2.2): the kinds of RedirectedCarrierInfo-r15-IEs.
+inline constexpr auto early_redirections = std::to_array<std::string_view>(
+    {"E-UTRA", "GERAN", "UTRA FDD", "CDMA2000 HRPD", "CDMA2000 1xRTT", "UTRA TDD"});
 
 namespace CLAUSE {
 inline constexpr std::string_view sib1 = "36.331, 6.2.2 (SystemInformationBlockType1)";
@@ -124,12 +134,14 @@ inline constexpr std::string_view sib2 = "36.331, 6.3.1 (SystemInformationBlockT
 inline constexpr std::string_view pcch = "36.331, 6.3.2 (PCCH-Config)";
 inline constexpr std::string_view prach = "36.331, 6.3.2 (PRACH-Config); 36.133, 9.1.4";
 inline constexpr std::string_view wus = "36.331, 6.3.2 (WUS-Config)";
+inline constexpr std::string_view group_wus = "36.331, 6.3.2 (GWUS-Config)";
 inline constexpr std::string_view timers = "36.331, 6.3.6 (UE-TimersAndConstants)";
 inline constexpr std::string_view rlf = "36.331, 6.3.2 (RLF-TimersAndConstants)";
 inline constexpr std::string_view mac = "36.331, 6.3.2 (MAC-MainConfig)";
 inline constexpr std::string_view physical = "36.331, 6.3.2 (PhysicalConfigDedicated)";
 inline constexpr std::string_view epdcch = "36.331, 6.3.2 (EPDCCH-Config)";
 inline constexpr std::string_view release = "36.331, 6.2.2 (RRCConnectionRelease)";
+inline constexpr std::string_view early = "36.331, 6.2.2 (RRCEarlyDataComplete)";
 inline constexpr std::string_view reject = "36.331, 6.2.2 (RRCConnectionReject)";
 }  // namespace CLAUSE
 
@@ -197,12 +209,30 @@ inline constexpr auto rrc_settings = std::to_array<table_row>({
      -140},
     {"maxDurationFactor_r15", in_sib2, "WUS maximum duration", "Rmax", CLAUSE::wus,
      reading::indexed, wus_durations},
+    {"wus_Config_r15_element", in_sib2, "WUS paging occasions", "", CLAUSE::wus, reading::presence,
+     default_wus_occasions},
     {"numPOs_r15", in_sib2, "WUS paging occasions", "", CLAUSE::wus, reading::indexed,
-     wus_occasions},
+     wus_occasions, 0, 0, 0, 1},
     {"timeOffsetDRX_r15", in_sib2, "WUS gap, DRX", "ms", CLAUSE::wus, reading::indexed, wus_gaps},
     {"timeOffset_eDRX_Short_r15", in_sib2, "WUS gap, eDRX, short", "ms", CLAUSE::wus,
      reading::indexed, wus_gaps},
     {"timeOffset_eDRX_Long_r15", in_sib2, "WUS gap, eDRX, long", "ms", CLAUSE::wus,
+     reading::indexed, wus_long_gaps},
+    {"numDRX_CyclesRelaxed_r16", in_sib2, "WUS relaxed DRX cycles", "", CLAUSE::wus,
+     reading::indexed, wus_relaxed_cycles},
+    {"timeParameters_r16_element", in_group_wus, "group WUS paging occasions", "",
+     CLAUSE::group_wus, reading::presence, default_wus_occasions},
+    {"maxDurationFactor_r16", in_group_wus, "group WUS maximum duration", "Rmax", CLAUSE::group_wus,
+     reading::indexed, wus_durations},
+    {"numPOs_r16", in_group_wus, "group WUS paging occasions", "", CLAUSE::group_wus,
+     reading::indexed, wus_occasions, 0, 0, 0, 1},
+    {"numDRX_CyclesRelaxed_r16", in_group_wus, "group WUS relaxed DRX cycles", "",
+     CLAUSE::group_wus, reading::indexed, wus_relaxed_cycles},
+    {"timeOffsetDRX_r16", in_group_wus, "group WUS gap, DRX", "ms", CLAUSE::group_wus,
+     reading::indexed, wus_gaps},
+    {"timeOffset_eDRX_Short_r16", in_group_wus, "group WUS gap, eDRX, short", "ms",
+     CLAUSE::group_wus, reading::indexed, wus_gaps},
+    {"timeOffset_eDRX_Long_r16", in_group_wus, "group WUS gap, eDRX, long", "ms", CLAUSE::group_wus,
      reading::indexed, wus_long_gaps},
     {"cp_EDT_r15", in_sib2, "early data transmission, control plane", "", CLAUSE::sib2,
      reading::indexed, only_yes},
@@ -219,6 +249,8 @@ inline constexpr auto rrc_settings = std::to_array<table_row>({
 
     // Connection setup and reconfiguration. The suffixed fields replace the plain ones.
     {"drx_Config", in_connection, "connected-mode DRX", "", CLAUSE::mac, reading::indexed,
+     released_or_setup},
+    {"drx_Config_r13", in_connection, "further DRX timers", "", CLAUSE::mac, reading::indexed,
      released_or_setup},
     {"longDRX_CycleStartOffset", in_connection, "long DRX cycle", "ms", CLAUSE::mac,
      reading::indexed, long_cycles},
@@ -272,7 +304,8 @@ inline constexpr auto rrc_settings = std::to_array<table_row>({
      t310_v1330_values},
     {"n310_r9", in_connection, "N310", "", CLAUSE::rlf, reading::indexed, n310_values},
 
-    // Connection release and reject. E-UTRA carrier 65535 says that a v9e0 field has the carrier.
+    // Connection release, early data complete, which ends a connection as well, and
+    // reject. E-UTRA carrier 65535 says that a v9e0 field has the carrier.
     {"releaseCause", in_release, "release cause", "", CLAUSE::release, reading::indexed,
      release_causes},
     {"extendedWaitTime_r10",
@@ -320,6 +353,35 @@ inline constexpr auto rrc_settings = std::to_array<table_row>({
      "redirection's carrier",
      "UARFCN",
      CLAUSE::release,
+     reading::number,
+     {},
+     0,
+     16383},
+    {"extendedWaitTime_r15",
+     in_release,
+     "extended wait time",
+     "s",
+     CLAUSE::early,
+     reading::number,
+     {},
+     1,
+     1800},
+    {"redirectedCarrierInfo_r15", in_release, "redirection", "", CLAUSE::early, reading::indexed,
+     early_redirections},
+    {"eutra_r15",
+     in_release,
+     "redirection's carrier",
+     "EARFCN",
+     CLAUSE::early,
+     reading::number,
+     {},
+     0,
+     262143},
+    {"utra_FDD_r15",
+     in_release,
+     "redirection's carrier",
+     "UARFCN",
+     CLAUSE::early,
      reading::number,
      {},
      0,

@@ -112,8 +112,6 @@ std::optional<std::string> value_of(const table_row& row, const std::string& tex
     switch (row.how) {
         case reading::text:
             return text;
-        case reading::presence:
-            return std::string(row.values.front());
         case reading::bits: {
             const auto bits = first_bits(text, row.greatest);
             return bits ? std::optional(std::to_string(*bits)) : std::nullopt;
@@ -190,6 +188,9 @@ void setting_values::read(const table_row& row, const placed_field& field) {
             break;
         case reading::plmn_identity:
             read_plmn_identity(row, field);
+            break;
+        case reading::presence:
+            add_known(row, field.where, std::string(row.name), std::string(row.values.front()));
             break;
         default:
             read_text(row, field);

@@ -22,6 +22,8 @@ inline constexpr places in_release = 1U << 6U;
 inline constexpr places in_reject = 1U << 7U;
 inline constexpr places in_nas_request = 1U << 8U;
 inline constexpr places in_nas_answer = 1U << 9U;
+/// The wake-up signal of groups of modems.
+inline constexpr places in_group_wus = 1U << 10U;
 inline constexpr places in_nas = in_nas_request | in_nas_answer;
 
 /// What makes a value of the field.

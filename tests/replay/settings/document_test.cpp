@@ -1,4 +1,5 @@
 // docs/settings.md shows the tables as they are.
+#include <algorithm>
 #include <span>
 #include <string>
 #include <string_view>
@@ -28,7 +29,8 @@ std::string roles_of(const table_row& row) {
     if ((row.where & in_nas_answer) != 0) {
         roles = joined(roles, "granted");
     }
-    if ((row.where & (in_mib | in_sib1 | in_further_bands | in_sib2 | in_ce_thresholds)) != 0) {
+    if ((row.where &
+         (in_mib | in_sib1 | in_further_bands | in_sib2 | in_ce_thresholds | in_group_wus)) != 0) {
         roles = joined(roles, "broadcast");
     }
     if ((row.where & (in_connection | in_release | in_reject)) != 0) {
@@ -68,8 +70,9 @@ std::string values_of(const table_row& row) {
             break;
     }
     std::string values;
-    for (const std::string_view value : row.values) {
-        values = joined(values, value);
+    for (auto value = row.values.begin(); value != row.values.end(); ++value) {
+        const bool is_listed = std::find(row.values.begin(), value, *value) != value;
+        values = joined(values, is_listed ? "" : *value);
     }
     return values;
 }

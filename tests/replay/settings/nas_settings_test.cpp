@@ -178,14 +178,23 @@ TEST_F(nas_settings_tests, edrx_of_an_unknown_access_is_given_in_both_modes_and_
 }
 
 // 24.008, 10.5.5.6: the cycle stands in the upper half of the second octet; 6 to 9 are 32 to 256
-// radio frames of 10 ms.
+// radio frames of 10 ms, all others are to be read as "not specified".
 TEST_F(nas_settings_tests, requested_drx_cycle_is_in_seconds) {
-    const octet_values cycles{{"00", "not specified"}, {"60", "0.32 s"}, {"70", "0.64 s"},
-                              {"80", "1.28 s"},        {"90", "2.56 s"}, {"50", "5 ?"},
-                              {"f0", "15 ?"}};
+    const octet_values cycles{
+        {"60", "0.32 s"}, {"70", "0.64 s"}, {"80", "1.28 s"}, {"90", "2.56 s"}};
     for (const auto& [hex, value] : cycles) {
         EXPECT_THAT(settings(attach_request("5c0a" + hex), "requested UE-specific"),
                     ElementsAre("requested UE-specific DRX cycle: " + value));
+    }
+}
+
+TEST_F(nas_settings_tests, requested_drx_cycle_of_any_other_value_is_not_specified) {
+    for (std::size_t value = 0; value < 16; ++value) {
+        if (value < 6 || value > 9) {
+            EXPECT_THAT(
+                settings(attach_request("5c0a" + octet(value << 4U)), "requested UE-specific"),
+                ElementsAre("requested UE-specific DRX cycle: not specified"));
+        }
     }
 }
 
