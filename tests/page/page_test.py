@@ -15,6 +15,8 @@ TREE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(TREE / "tests/captures"))
 sys.dont_write_bytecode = True
 # pylint: disable=wrong-import-position
+import make_captures
+import messages
 from browser import Browser
 from capture_files import WIRESHARK_UPPER_PDU, pcapng, repeated
 
@@ -379,6 +381,40 @@ class timelines(PageTest):
 
     def picture(self):
         return self.browser.run("return document.querySelector('.chart canvas').toDataURL()")
+
+
+class sleeps(PageTest):
+    """Behind a release, by what the network granted before."""
+
+    ACCEPT, UPDATE_ACCEPT, DETACH = (messages.trace("ltem_attach_psm")[place].data for place in (12, 19, 20))
+    UPDATE_ACCEPT_ALONE = bytes.fromhex("074900")
+
+    def hint(self, *nas):
+        """That of a sleep behind these messages; nothing where there is none."""
+        self.browser.resize(1280)
+        request = ("lte_rrc.ul_ccch", bytes.fromhex("4c8c2e65e9a6"))
+        trace = [request, *(("nas-eps", data) for data in nas), ("lte_rrc.dl_dcch", bytes.fromhex("2c02"))]
+        records = [messages.message(1_780_000_000_000_000 + second * 1_000_000, *message)
+                   for second, message in enumerate(trace)]
+        records.append(messages.message(1_780_009_000_000_000, *request))
+        name = f"sleep-{len(self.pages)}"
+        capture = self.folder / f"{name}.pcapng"
+        capture.write_bytes(make_captures.exported(records))
+        self.open(name, capture)
+        found = self.browser.hint_at("PSM allows to sleep")
+        return found and found[2]
+
+    def test_last_for_t3412_extended(self):
+        self.assertIn("252000 s (70 h) after the release", self.hint(self.ACCEPT))
+
+    def test_last_for_t3412_where_the_extended_one_is_deactivated(self):
+        self.assertIn("3240 s (54 min) after the release", self.hint(self.ACCEPT, self.UPDATE_ACCEPT))
+
+    def test_are_none_behind_a_detach(self):
+        self.assertIsNone(self.hint(self.ACCEPT, self.DETACH))
+
+    def test_are_none_behind_an_accept_without_timers(self):
+        self.assertIsNone(self.hint(self.ACCEPT, self.UPDATE_ACCEPT_ALONE))
 
 
 class lists(PageTest):
