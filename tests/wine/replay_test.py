@@ -113,9 +113,9 @@ class replay_below_wine(unittest.TestCase):
         for sample in SAMPLES:
             with self.subTest(sample):
                 self.copy(f"{sample}.pcapng")
-                result = self.replay("--json", "capture")
+                result = self.replay("--json", "--summary", "summary.json", "capture")
                 self.assertEqual(result.returncode, 0)
-                self.assertIn("kivra-profile.json", files_in(self.folders[0]))
+                self.assertLessEqual({"kivra-profile.json", "summary.json"}, files_in(self.folders[0]).keys())
 
     def test_both_samples_as_tables(self):
         for sample in SAMPLES:
@@ -132,6 +132,8 @@ class replay_below_wine(unittest.TestCase):
             with self.subTest(capture):
                 self.copy(f"ltem_attach_psm/{capture}")
                 self.assertIn("\nprofile ", self.replay("capture").stdout.decode())
+                self.replay("--json", "--summary", "summary.json", "capture")
+                self.assertIn("summary.json", files_in(self.folders[0]))
 
     def test_raw_ip(self):
         router_advertisement = bytes.fromhex(
