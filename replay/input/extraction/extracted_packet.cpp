@@ -144,6 +144,11 @@ extracted_packet extract_messages(const std::string& text) {
     extracted_packet packet;
     packet.number = number_of<std::uint64_t>(frame, "frame.number");
     packet.timestamp = packet_time(text_of(frame, "frame.time_epoch"));
+    const auto captured = number_of<std::size_t>(frame, "frame.cap_len");
+    const auto original = number_of<std::size_t>(frame, "frame.len");
+    if (captured < original) {
+        packet.failure = cut_short(captured, original);
+    }
     message_search(packet.messages).search(layers, false);
 
     const auto protocols = text_of(frame, "frame.protocols");
