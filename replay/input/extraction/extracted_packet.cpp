@@ -24,6 +24,11 @@ bool is_nas_layer(std::string_view name) {
     return name == "nas-eps" || name == "nas_eps";
 }
 
+/// Those of which an error message quotes the packet that it is about: what follows is that packet.
+bool is_quoting_layer(std::string_view name) {
+    return name == "icmp" || name == "icmpv6";
+}
+
 /// The layer that belongs to the raw bytes at that place: layers of one name share a member.
 const printed_json& layer_at(const printed_json& layers, std::size_t place) {
     return layers.is_array() && place < layers.size() ? layers[place] : layers;
@@ -56,6 +61,9 @@ class message_search {
             return;
         }
         for (const auto& [member, value] : tree.items()) {
+            if (is_quoting_layer(member)) {
+                return;
+            }
             if (!member.ends_with(raw_end)) {
                 search_member(tree, member, value, is_inside_rrc, level);
             }
@@ -124,12 +132,16 @@ std::optional<extracted_message> router_advertisement(const printed_json& layers
     return found;
 }
 
-/// How often a protocol stands in a list such as "eth:ip:udp:gsmtap:lte_rrc".
+/// How often a protocol stands in a list such as "eth:ip:udp:gsmtap:lte_rrc", quotations left out.
 std::ptrdiff_t occurrences(std::string_view protocols, auto is_wanted) {
     std::ptrdiff_t count = 0;
     while (!protocols.empty()) {
         const auto end = std::min(protocols.find(':'), protocols.size());
-        count += is_wanted(protocols.substr(0, end)) ? 1 : 0;
+        const auto name = protocols.substr(0, end);
+        if (is_quoting_layer(name)) {
+            break;
+        }
+        count += is_wanted(name) ? 1 : 0;
         protocols.remove_prefix(std::min(end + 1, protocols.size()));
     }
     return count;
