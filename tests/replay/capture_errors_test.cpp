@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/replay/capture_image.h"
 #include "tests/replay/sample_captures.h"
 #include "tests/support/files.h"
 
@@ -214,6 +215,13 @@ TEST_F(user_link_types, are_asked_for_where_another_one_is_given) {
     EXPECT_THAT(error_of({sample_capture("ltem_attach_psm/s1ap_150.pcap"), "--user-dlt",
                           "149=mac-lte-framed"}),
                 HasSubstr("--user-dlt 150=PROTOCOL"));
+}
+
+TEST_F(user_link_types, are_asked_for_behind_packets_of_others) {
+    constexpr std::uint32_t ethernet = 1;
+    write_file("c.pcapng", capture_image(ethernet, {{std::string(60, '\0')}}) +
+                               capture_image(149, {{std::string(60, '\0')}}));
+    EXPECT_THAT(error_of({"c.pcapng"}), HasSubstr("--user-dlt 149=PROTOCOL"));
 }
 
 TEST_F(user_link_types, are_asked_for_in_a_pipe) {

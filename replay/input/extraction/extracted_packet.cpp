@@ -172,8 +172,6 @@ extracted_packet extract_messages(const std::string& text) {
     }
     packet.is_encrypted = packet.messages.empty() &&
                           occurrences(protocols, [](auto name) { return name == "pdcp-lte"; }) > 0;
-    // Wireshark's number of DLT_USER0, see wiretap/wtap.h.
-    constexpr int first_user_encapsulation = 45;
     const int place = number_of<int>(frame, "frame.encap_type") - first_user_encapsulation;
     if (place >= 0 && place <= last_user_link_type - first_user_link_type) {
         packet.user_link_type = first_user_link_type + place;
