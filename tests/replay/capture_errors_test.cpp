@@ -249,6 +249,15 @@ TEST_F(user_link_types, are_refused_in_another_form) {
     }
 }
 
+TEST_F(user_link_types, give_a_complaint_that_ends_as_lines_of_windows_do) {
+    std::filesystem::create_directory("bin");
+    write_file("bin/tshark", "#!/bin/sh\nprintf 'tshark: no.\\r\\nMore\\r\\n' >&2\nexit 2\n");
+    std::filesystem::permissions("bin/tshark", std::filesystem::perms::owner_all);
+    const std::string file = sample_capture("ltem_attach_psm/mac_lte_149.pcap");
+    EXPECT_EQ(error_of({file, "--tshark-directory", "bin"}),
+              "kivra-replay: can't read " + file + ": no.\n0 records, 0 failed\n");
+}
+
 TEST_F(user_link_types, with_a_dissector_that_tshark_does_not_know_give_its_complaint) {
     EXPECT_THAT(
         error_of({sample_capture("ltem_attach_psm/mac_lte_149.pcap"), "--user-dlt", "149=nosuch"}),

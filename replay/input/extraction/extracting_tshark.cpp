@@ -44,7 +44,7 @@ std::string complaint_in(std::string_view errors) {
         return {};
     }
     errors.remove_prefix(begin + mark.size());
-    return std::string(errors.substr(0, errors.find('\n')));
+    return std::string(errors.substr(0, errors.find_first_of("\r\n")));
 }
 
 PLATFORM::piped_process start(const std::string& name, const std::filesystem::path& tshark,
