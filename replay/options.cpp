@@ -266,6 +266,8 @@ std::variant<options, std::string> read_command_line(std::vector<std::string> ar
     CLI::App app(
         "Replays captures as kivra-tshark-sink analyses them and shows what comes of each record.",
         "kivra-replay");
+    // On Windows as well, "/captures/1.pcap" is a file.
+    app.allow_windows_style_options(false);
     command_line line;
     app.add_option("CAPTURE", line.captures,
                    "Files that Wireshark can open, one stream in the order\n"

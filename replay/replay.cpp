@@ -149,23 +149,26 @@ void replay_run::catch_up() {
     runner_.finish(add_);
 }
 
-/// The next record; nothing at the end of the stream, or after an interruption.
+/// The next record; nothing at the end of the stream, which is, after an interruption, that of what
+/// was read by then.
 std::optional<trace_record> replay_run::next_of(capture_stream& records) {
-    while (!PLATFORM::interrupted()) {
+    while (true) {
         try {
             return records.next();
         } catch (const no_records& error) {
+            if (PLATFORM::interrupted()) {
+                return std::nullopt;
+            }
             a_capture_is_empty_ = true;
             complain(error);
         } catch (const capture_error& error) {
-            // An interruption breaks off a read.
-            if (!PLATFORM::interrupted()) {
-                capture_broke_ = true;
-                complain(error);
+            if (PLATFORM::interrupted()) {
+                return std::nullopt;
             }
+            capture_broke_ = true;
+            complain(error);
         }
     }
-    return std::nullopt;
 }
 
 void replay_run::complain(const std::exception& error) {

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <system_error>
 
 #include "platform/console/console.h"
@@ -40,16 +41,11 @@ HANDLE handle_of(standard_stream stream) {
 }
 
 /// The code page that the console had, for whoever uses it next.
-class console_code_page {
-  public:
-    console_code_page() : former_(GetConsoleOutputCP()) { SetConsoleOutputCP(CP_UTF8); }
-    ~console_code_page() { SetConsoleOutputCP(former_); }
-    console_code_page(const console_code_page&) = delete;
-    console_code_page& operator=(const console_code_page&) = delete;
+UINT former_code_page = 0;
 
-  private:
-    UINT former_;
-};
+void restore_code_page() {
+    SetConsoleOutputCP(former_code_page);
+}
 
 std::string utf8_from_wide(const wchar_t* text) {
     const std::u8string converted = fs::path(text).u8string();
@@ -84,7 +80,9 @@ void prepare_standard_streams() {
     for (std::FILE* const stream : {stdin, stdout, stderr}) {
         _setmode(_fileno(stream), _O_BINARY);
     }
-    static const console_code_page utf8;
+    former_code_page = GetConsoleOutputCP();
+    SetConsoleOutputCP(CP_UTF8);
+    static_cast<void>(std::atexit(restore_code_page));
 }
 
 bool is_terminal(standard_stream stream) {
@@ -129,6 +127,8 @@ bool interrupted() {
 
 void end_by_interrupt() {
     static_cast<void>(std::fflush(nullptr));
+    // Nothing that stands in line for the end is done then.
+    restore_code_page();
     ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT));
 }
 

@@ -1,6 +1,7 @@
 /// A file, a pipe or the standard input, read without waiting.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -31,9 +32,10 @@ class input_source {
     /// To wait for more.
     waitable ready() const;
 
-    /// Waits for more, or for the end.
-    /// @throws std::system_error when a signal comes first
+    /// Waits for more, or for the end, but not long: there may be an interruption to notice.
     void wait();
+
+    static constexpr std::chrono::milliseconds longest_wait{200};
 
     /// Whether it is a file of a disk, which any program can open and read from its beginning.
     bool is_regular_file() const;

@@ -79,7 +79,7 @@ waitable input_source::ready() const {
 
 void input_source::wait() {
     pollfd entry{state_->descriptor, POLLIN, 0};
-    checked(poll(&entry, 1, -1), "poll");
+    poll(&entry, 1, static_cast<int>(longest_wait.count()));
 }
 
 bool input_source::is_regular_file() const {

@@ -163,7 +163,7 @@ waitable input_source::ready() const {
 }
 
 void input_source::wait() {
-    WaitForSingleObject(state_->more, INFINITE);
+    WaitForSingleObject(state_->more, static_cast<DWORD>(longest_wait.count()));
 }
 
 bool input_source::is_regular_file() const {

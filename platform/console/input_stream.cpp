@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/console/console.h"
+
 namespace KIVRA::TSHARK::PLATFORM {
 
 input_stream::input_stream(const std::filesystem::path& file, std::function<void()> before_waiting)
@@ -20,7 +22,7 @@ std::size_t input_stream::read_available(std::span<char> room) {
     if (is_repeating()) {
         count = beginning_.copy(room.data(), room.size(), repeated_);
         repeated_ += count;
-    } else {
+    } else if (!is_broken_off()) {
         count = source_.read_available(room);
         if (!is_rewound_ && !source_.can_go_back()) {
             beginning_.append(room.data(), count);
@@ -31,14 +33,23 @@ std::size_t input_stream::read_available(std::span<char> room) {
 }
 
 std::size_t input_stream::read(std::span<char> room) {
-    while (true) {
-        const std::size_t count = read_available(room);
-        if (count != 0 || at_end()) {
-            return count;
-        }
+    std::size_t count = read_available(room);
+    if (count == 0 && !at_end()) {
         announce();
-        source_.wait();
     }
+    while (count == 0 && !at_end()) {
+        source_.wait();
+        count = read_available(room);
+    }
+    return count;
+}
+
+bool input_stream::at_end() const {
+    return !is_repeating() && (source_.at_end() || is_broken_off());
+}
+
+bool input_stream::is_broken_off() const {
+    return interrupted() && !is_regular_file();
 }
 
 void input_stream::announce() const {

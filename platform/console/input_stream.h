@@ -1,5 +1,6 @@
 /// A file, a pipe or the standard input that is read once, after a look at its beginning, and that
-/// says when its reader is about to wait.
+/// says when its reader is about to wait. An interruption is the end of what is
+/// no file of a disk: nothing more is taken from it.
 #pragma once
 
 #include <cstddef>
@@ -38,7 +39,7 @@ class input_stream {
     void announce() const;
 
     /// Whether reading has come to the end.
-    bool at_end() const { return !is_repeating() && source_.at_end(); }
+    bool at_end() const;
 
     /// To wait for more.
     waitable ready() const { return source_.ready(); }
@@ -53,6 +54,7 @@ class input_stream {
     std::uint64_t position() const { return position_; }
 
   private:
+    bool is_broken_off() const;
     bool is_repeating() const { return is_rewound_ && repeated_ < beginning_.size(); }
 
     input_source source_;

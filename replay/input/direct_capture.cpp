@@ -5,6 +5,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/console/console.h"
+
 namespace KIVRA::TSHARK::REPLAY {
 
 direct_capture::direct_capture(std::string name, std::unique_ptr<PLATFORM::input_stream> stream)
@@ -30,6 +32,10 @@ void direct_capture::read_head() {
 }
 
 std::optional<trace_record> direct_capture::next() {
+    // A file can be read again; what came from a pipe is still given.
+    if (PLATFORM::interrupted() && stream_->is_regular_file()) {
+        return std::nullopt;
+    }
     pcap_pkthdr* header = nullptr;
     const u_char* data = nullptr;
     const int result = pcap_next_ex(handle_.get(), &header, &data);

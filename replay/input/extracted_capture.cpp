@@ -89,7 +89,8 @@ void extracted_capture::add(extracted_packet&& packet) {
     encrypted_rrc_ += packet.is_encrypted ? 1 : 0;
     user_link_type_ = packet.user_link_type ? packet.user_link_type : user_link_type_;
     for (auto& [format, payload, is_inside_rrc] : packet.messages) {
-        records_.add({packet.timestamp, std::move(format), std::move(payload), is_inside_rrc});
+        records_.add({packet.timestamp, std::move(format), std::move(payload), is_inside_rrc,
+                      packet.failure});
     }
 }
 
@@ -109,7 +110,8 @@ trace_record extracted_capture::handed_out(extracted_record record) {
     return {.timestamp = current_.timestamp,
             .format = current_.format,
             .payload = current_.payload,
-            .carried_nas_is_record = true};
+            .carried_nas_is_record = true,
+            .failure = current_.failure};
 }
 
 capture_content extracted_capture::content() const {

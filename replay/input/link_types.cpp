@@ -54,9 +54,7 @@ trace_record record_of(const link_type& type, std::uint64_t timestamp,
         record.failure = {failure_kind::malformed_packet, error.what()};
     }
     if (packet.size() < original_size) {
-        record.failure = {failure_kind::truncated_packet,
-                          "cut short by the snapshot length: " + std::to_string(packet.size()) +
-                              " of " + std::to_string(original_size) + " bytes captured"};
+        record.failure = cut_short(packet.size(), original_size);
     }
     return record;
 }

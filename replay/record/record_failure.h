@@ -1,6 +1,7 @@
 /// Why a record failed.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -21,5 +22,12 @@ struct record_failure {
 
     bool operator==(const record_failure&) const = default;
 };
+
+/// Of a packet of which the capture has fewer bytes than it had.
+inline record_failure cut_short(std::size_t captured, std::size_t original) {
+    return {failure_kind::truncated_packet,
+            "cut short by the snapshot length: " + std::to_string(captured) + " of " +
+                std::to_string(original) + " bytes captured"};
+}
 
 }  // namespace KIVRA::TSHARK::REPLAY

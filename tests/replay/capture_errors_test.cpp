@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/replay/capture_image.h"
 #include "tests/replay/sample_captures.h"
 #include "tests/support/files.h"
 
@@ -216,6 +217,13 @@ TEST_F(user_link_types, are_asked_for_where_another_one_is_given) {
                 HasSubstr("--user-dlt 150=PROTOCOL"));
 }
 
+TEST_F(user_link_types, are_asked_for_behind_packets_of_others) {
+    constexpr std::uint32_t ethernet = 1;
+    write_file("c.pcapng", capture_image(ethernet, {{std::string(60, '\0')}}) +
+                               capture_image(149, {{std::string(60, '\0')}}));
+    EXPECT_THAT(error_of({"c.pcapng"}), HasSubstr("--user-dlt 149=PROTOCOL"));
+}
+
 TEST_F(user_link_types, are_asked_for_in_a_pipe) {
     const auto result =
         run_replay({"-"}, {.input = sample_capture("ltem_attach_psm/s1ap_150.pcap")});
@@ -239,6 +247,15 @@ TEST_F(user_link_types, are_refused_in_another_form) {
         EXPECT_EQ(result.error, "kivra-replay: --user-dlt " + value +
                                     " is not of the form N=PROTOCOL with N from 147 to 162\n");
     }
+}
+
+TEST_F(user_link_types, give_a_complaint_that_ends_as_lines_of_windows_do) {
+    std::filesystem::create_directory("bin");
+    write_file("bin/tshark", "#!/bin/sh\nprintf 'tshark: no.\\r\\nMore\\r\\n' >&2\nexit 2\n");
+    std::filesystem::permissions("bin/tshark", std::filesystem::perms::owner_all);
+    const std::string file = sample_capture("ltem_attach_psm/mac_lte_149.pcap");
+    EXPECT_EQ(error_of({file, "--tshark-directory", "bin"}),
+              "kivra-replay: can't read " + file + ": no.\n0 records, 0 failed\n");
 }
 
 TEST_F(user_link_types, with_a_dissector_that_tshark_does_not_know_give_its_complaint) {

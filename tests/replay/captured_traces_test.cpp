@@ -339,6 +339,24 @@ texts formats_of(const char* capture, const texts& options) {
 /// An option that changes nothing, but that tshark reads the capture.
 const texts by_tshark{"--tshark-option=-n"};
 
+TEST_F(captures_by_tshark, fail_the_messages_of_packets_that_were_cut_short) {
+    const auto pieces =
+        pieces_of_pcap(read_file(sample_capture("nbiot_attach/gsmtap_ethernet.pcap")));
+    // An RRC message with a NAS message inside, without its last byte.
+    auto packet = pieces.at(4);
+    constexpr std::size_t packet_head = 16;
+    const auto whole = packet.size() - packet_head;
+    packet.pop_back();
+    packet[8] = static_cast<char>(whole - 1);
+    write_file("c.pcap", pieces.at(0) + packet);
+    const auto result = run_replay({"--json", "c.pcap"});
+    EXPECT_EQ(result.error, "2 records, 2 failed\n");
+    EXPECT_THAT(
+        without_numbers(result.output),
+        testing::Each(HasSubstr("cut short by the snapshot length: " + std::to_string(whole - 1) +
+                                " of " + std::to_string(whole) + " bytes captured")));
+}
+
 TEST_F(captures_by_tshark, give_nas_inside_rrc_a_record_behind_it) {
     EXPECT_THAT(formats_of("messages/nas_in_rrc.pcapng", by_tshark),
                 ElementsAreArray({"lte_rrc.dl_dcch", "nas-eps"}));

@@ -116,6 +116,65 @@ TEST_F(live_captures, end_by_an_interruption_while_they_wait) {
     EXPECT_EQ(read_file("errors"), "1 record, 0 failed\n");
 }
 
+/// Until kivra-replay notes interruptions.
+constexpr const char* wait_for_handler =
+    "until (( 0x$(sed -n 's/^SigCgt:\t//p' /proc/$!/status) & 2 )); do :; done\n";
+
+TEST_F(live_captures, report_what_waits_behind_nas_inside_rrc_when_interrupted) {
+    write_pieces(gsmtap, {4, 1, 2, 3, 1});
+    // All of one time stamp, so that nothing but the end lets them go.
+    std::string packets;
+    for (int number = 1; number <= 5; ++number) {
+        packets += read_file("piece1").substr(0, 8) +
+                   read_file("piece" + std::to_string(number)).substr(8);
+    }
+    write_file("packets", packets);
+    write_file("whole.pcap", read_file("head") + packets);
+    const auto result = run_process({"/bin/bash", "-c",
+                                     std::string(start) + "cat head packets >&8\n"
+                                                          "read -r first <&9\n"
+                                                          "kill -INT $!\n"
+                                                          "echo \"$first\"\n"
+                                                          "cat <&9\n"
+                                                          "wait $!\n"});
+    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.output, run_replay({"--json", "whole.pcap"}).output);
+    EXPECT_EQ(read_file("errors"), "6 records, 0 failed\n");
+}
+
+TEST_F(live_captures, take_nothing_more_from_the_pipe_when_interrupted) {
+    write_pieces(gsmtap, {1, 2});
+    const auto result = run_process({"/bin/bash", "-c",
+                                     std::string(start) + "cat head piece1 >&8\n"
+                                                          "read -r first <&9\n"
+                                                          "kill -INT $!\n"
+                                                          "exec 7<input\n"
+                                                          "cat piece2 >&8\n"
+                                                          "wait $!\n"
+                                                          "exec 8>&-\n"
+                                                          "cat <&7 >left\n"});
+    EXPECT_EQ(read_file("left"), read_file("piece2"));
+    EXPECT_EQ(read_file("errors"), "1 record, 0 failed\n");
+}
+
+TEST_F(live_captures, end_by_an_interruption_before_the_first_packet) {
+    for (const auto* const capture : {gsmtap, "nbiot_attach/exported_pdu.pcapng"}) {
+        const auto image = read_file(sample_capture(capture));
+        for (const std::size_t size : {std::size_t{0}, std::size_t{10}, std::size_t{30}}) {
+            std::filesystem::remove("input");
+            std::filesystem::remove("output");
+            write_file("begin", image.substr(0, size));
+            const auto result =
+                run_process({"/bin/bash", "-c",
+                             std::string(start) + "cat begin >&8\n" + wait_for_handler +
+                                 "kill -INT $!\n"
+                                 "wait $!\n"});
+            EXPECT_EQ(result.status, 130) << capture << ' ' << size;
+            EXPECT_EQ(read_file("errors"), "0 records, 0 failed\n") << capture << ' ' << size;
+        }
+    }
+}
+
 TEST_F(live_captures, give_their_profile_when_interrupted) {
     write_pieces(gsmtap, {1});
     const auto result =

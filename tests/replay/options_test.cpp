@@ -33,6 +33,12 @@ TEST(command_line, needs_only_a_capture) {
     EXPECT_FALSE(wanted.quiet);
 }
 
+TEST(command_line, takes_a_slash_for_the_begin_of_a_path) {
+    const auto wanted = std::get<options>(read({"/captures/x.pcap", "/json"}));
+    EXPECT_THAT(wanted.captures, ElementsAre("/captures/x.pcap", "/json"));
+    EXPECT_FALSE(wanted.json);
+}
+
 TEST(command_line, takes_all_options_and_captures_in_any_order) {
     const auto wanted =
         std::get<options>(read({"first file.pcap", "--plugin", "p.so", "--session",

@@ -24,6 +24,11 @@ bool is_nas_layer(std::string_view name) {
     return name == "nas-eps" || name == "nas_eps";
 }
 
+/// Those of which an error message quotes the packet that it is about: what follows is that packet.
+bool is_quoting_layer(std::string_view name) {
+    return name == "icmp" || name == "icmpv6";
+}
+
 /// The layer that belongs to the raw bytes at that place: layers of one name share a member.
 const printed_json& layer_at(const printed_json& layers, std::size_t place) {
     return layers.is_array() && place < layers.size() ? layers[place] : layers;
@@ -56,6 +61,9 @@ class message_search {
             return;
         }
         for (const auto& [member, value] : tree.items()) {
+            if (is_quoting_layer(member)) {
+                return;
+            }
             if (!member.ends_with(raw_end)) {
                 search_member(tree, member, value, is_inside_rrc, level);
             }
@@ -124,12 +132,16 @@ std::optional<extracted_message> router_advertisement(const printed_json& layers
     return found;
 }
 
-/// How often a protocol stands in a list such as "eth:ip:udp:gsmtap:lte_rrc".
+/// How often a protocol stands in a list such as "eth:ip:udp:gsmtap:lte_rrc", quotations left out.
 std::ptrdiff_t occurrences(std::string_view protocols, auto is_wanted) {
     std::ptrdiff_t count = 0;
     while (!protocols.empty()) {
         const auto end = std::min(protocols.find(':'), protocols.size());
-        count += is_wanted(protocols.substr(0, end)) ? 1 : 0;
+        const auto name = protocols.substr(0, end);
+        if (is_quoting_layer(name)) {
+            break;
+        }
+        count += is_wanted(name) ? 1 : 0;
         protocols.remove_prefix(std::min(end + 1, protocols.size()));
     }
     return count;
@@ -144,6 +156,11 @@ extracted_packet extract_messages(const std::string& text) {
     extracted_packet packet;
     packet.number = number_of<std::uint64_t>(frame, "frame.number");
     packet.timestamp = packet_time(text_of(frame, "frame.time_epoch"));
+    const auto captured = number_of<std::size_t>(frame, "frame.cap_len");
+    const auto original = number_of<std::size_t>(frame, "frame.len");
+    if (captured < original) {
+        packet.failure = cut_short(captured, original);
+    }
     message_search(packet.messages).search(layers, false);
 
     const auto protocols = text_of(frame, "frame.protocols");
@@ -155,8 +172,6 @@ extracted_packet extract_messages(const std::string& text) {
     }
     packet.is_encrypted = packet.messages.empty() &&
                           occurrences(protocols, [](auto name) { return name == "pdcp-lte"; }) > 0;
-    // Wireshark's number of DLT_USER0, see wiretap/wtap.h.
-    constexpr int first_user_encapsulation = 45;
     const int place = number_of<int>(frame, "frame.encap_type") - first_user_encapsulation;
     if (place >= 0 && place <= last_user_link_type - first_user_link_type) {
         packet.user_link_type = first_user_link_type + place;

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "replay/record/record_failure.h"
+
 namespace KIVRA::TSHARK::REPLAY {
 
 struct extracted_message {
@@ -24,6 +26,8 @@ struct extracted_packet {
     std::uint64_t timestamp = 0;
     /// In their order in the packet.
     std::vector<extracted_message> messages = {};
+    /// Why none of the messages can be run, when it is so.
+    std::optional<record_failure> failure = {};
     /// There are messages inside layers that tshark was told not to print.
     bool hides_messages = false;
     /// It holds RRC signalling that PDCP has ciphered, and no message.

@@ -44,7 +44,7 @@ std::string complaint_in(std::string_view errors) {
         return {};
     }
     errors.remove_prefix(begin + mark.size());
-    return std::string(errors.substr(0, errors.find('\n')));
+    return std::string(errors.substr(0, errors.find_first_of("\r\n")));
 }
 
 PLATFORM::piped_process start(const std::string& name, const std::filesystem::path& tshark,
@@ -61,6 +61,7 @@ PLATFORM::piped_process start(const std::string& name, const std::filesystem::pa
 extracting_tshark::extracting_tshark(const capture_source& source, extraction_depth depth)
     : name_(source.name),
       input_(source.file.empty() ? source.stream.get() : nullptr),
+      is_file_(source.stream->is_regular_file()),
       process_(start(name_, source.tshark,
                      extraction_arguments(argument_of(source.file), depth, source.options))) {}
 
@@ -69,6 +70,10 @@ extraction_state extracting_tshark::read(std::string& packet,
     auto last_move = steady_clock::now();
     try {
         while (true) {
+            // A file can be read again; what came from a pipe goes through tshark to its end.
+            if (is_file_ && PLATFORM::interrupted()) {
+                throw capture_error(name_, "interrupted");
+            }
             if (auto next = output_.next()) {
                 packet = std::move(next->text);
                 return extraction_state::packet;
@@ -81,9 +86,6 @@ extraction_state extracting_tshark::read(std::string& packet,
             if (move()) {
                 last_move = steady_clock::now();
                 continue;
-            }
-            if (PLATFORM::interrupted()) {
-                throw capture_error(name_, "interrupted");
             }
             if (patience && awaits_input() && steady_clock::now() - last_move >= *patience) {
                 return extraction_state::idle;

@@ -27,7 +27,9 @@ class extracting_tshark {
     /// Reads on to the next packet, the end of the capture, or until nothing has come for the given
     /// time, if any, and the stream gives nothing either.
     /// @param packet the text that tshark prints for a capture with this packet alone
-    /// @throws capture_error when tshark fails, with what it says, and when the run is interrupted
+    /// @throws capture_error when tshark fails, with what it says, and when a file is being read
+    /// and
+    ///     the run is interrupted
     extraction_state read(std::string& packet,
                           std::optional<std::chrono::milliseconds> patience = std::nullopt);
 
@@ -44,6 +46,7 @@ class extracting_tshark {
     std::string name_;
     /// What is fed to tshark; null where it reads a file.
     PLATFORM::input_stream* input_;
+    bool is_file_;
     PLATFORM::piped_process process_;
     ANALYSIS::packet_splitter output_{ANALYSIS::behind_packets::text};
     /// Input that is not with tshark yet.

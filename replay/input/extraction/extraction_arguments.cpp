@@ -4,9 +4,15 @@ namespace KIVRA::TSHARK::REPLAY {
 
 namespace {
 
-constexpr const char* filter =
-    "lte_rrc || nas-eps || icmpv6.type == 134 || pdcp-lte.signalling-data || "
-    "(user_dlt && frame.number == 1)";
+std::string filter_for(const extraction_options& options) {
+    std::string filter =
+        "lte_rrc || nas-eps || icmpv6.type == 134 || pdcp-lte.signalling-data || (user_dlt";
+    for (const auto& link_type : options.user_link_types) {
+        const int place = link_type.number - first_user_link_type;
+        filter += " && frame.encap_type != " + std::to_string(first_user_encapsulation + place);
+    }
+    return filter + ")";
+}
 
 /// A row of Wireshark's table "DLT_USER": link type, protocol, size and protocol of a header, size
 /// and protocol of a trailer.
@@ -25,7 +31,7 @@ std::vector<std::string> extraction_arguments(const std::string& capture, extrac
     if (depth == extraction_depth::frames) {
         list.insert(list.end(), {"-j", "frame"});
     } else {
-        list.insert(list.end(), {"-Y", filter, "-z", "io,phs"});
+        list.insert(list.end(), {"-Y", filter_for(options), "-z", "io,phs"});
         // A NAS message within an RRC message becomes a layer behind that one.
         list.insert(list.end(), {"-o", "lte_rrc.nas_in_root_tree:TRUE"});
     }

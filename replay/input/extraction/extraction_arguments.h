@@ -20,8 +20,8 @@ enum class extraction_depth {
 };
 
 /// The arguments with which tshark prints, unless it is to print every packet, those with NAS or
-/// RRC messages or router advertisements, and, to tell its link type, the first packet of a link
-/// type for private use; behind them it counts the protocols of all packets.
+/// RRC messages or router advertisements, and, to tell their link types, packets of link types
+/// for private use that nothing was said about; behind them it counts the protocols of all packets.
 /// @param capture a file, or "-" for tshark's standard input
 std::vector<std::string> extraction_arguments(const std::string& capture, extraction_depth depth,
                                               const extraction_options& options);

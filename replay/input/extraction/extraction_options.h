@@ -10,6 +10,9 @@ namespace KIVRA::TSHARK::REPLAY {
 constexpr int first_user_link_type = 147;
 constexpr int last_user_link_type = 162;
 
+/// Wireshark's number of the first of them (WTAP_ENCAP_USER0, wiretap/wtap.h).
+constexpr int first_user_encapsulation = 45;
+
 /// What the packets of such a link type hold.
 struct user_link_type {
     int number = first_user_link_type;

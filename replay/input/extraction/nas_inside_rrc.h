@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "replay/record/record_failure.h"
+
 namespace KIVRA::TSHARK::REPLAY {
 
 struct extracted_record {
@@ -17,6 +19,7 @@ struct extracted_record {
     std::string format = {};
     std::vector<std::uint8_t> payload = {};
     bool is_inside_rrc = false;
+    std::optional<record_failure> failure = {};
 };
 
 /// A queue that records leave in their order. One that stood inside an RRC message is dropped if

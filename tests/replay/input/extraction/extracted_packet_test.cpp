@@ -53,6 +53,27 @@ TEST(extracted_packets, hold_the_bytes_of_a_nas_layer) {
                 ElementsAre(FieldsAre("nas-eps", bytes{0x07, 0x41, 0xfe}, false)));
 }
 
+TEST(extracted_packets, tell_that_they_were_cut_short) {
+    const std::string nas = R"("nas-eps_raw": ["07", 0, 1, 0, 1], "nas-eps": {})";
+    const auto sizes = [](const char* captured) {
+        return R"(, "frame.len": "100", "frame.cap_len": ")" + std::string(captured) + '"';
+    };
+    EXPECT_EQ(extract_messages(text_of(nas, "", sizes("100"))).failure, std::nullopt);
+    EXPECT_EQ(extract_messages(text_of(nas, "", sizes("99"))).failure,
+              (record_failure{failure_kind::truncated_packet,
+                              "cut short by the snapshot length: 99 of 100 bytes captured"}));
+}
+
+TEST(extracted_packets, hold_none_of_the_messages_that_an_icmp_message_quotes) {
+    for (const std::string layer : {"icmp", "icmpv6"}) {
+        const auto packet = extract_messages(
+            text_of("\"" + layer + R"(": {}, "nas-eps_raw": ["07", 0, 1, 0, 1], "nas-eps": {})",
+                    "eth:ip:" + layer + ":ip:udp:gsmtap:lte_rrc:nas-eps"));
+        EXPECT_THAT(packet.messages, IsEmpty());
+        EXPECT_FALSE(packet.hides_messages);
+    }
+}
+
 TEST(extracted_packets, know_both_spellings_of_the_nas_layer) {
     EXPECT_THAT(
         extract_messages(text_of(R"("nas_eps_raw": ["07", 0, 1, 0, 1], "nas_eps": {})")).messages,

@@ -36,6 +36,16 @@ TEST(extraction_arguments, tell_what_user_link_types_hold) {
                     "-o", R"x(uat:user_dlts:"User 15 (DLT=162)","nas-eps","0","","0","")x"));
 }
 
+TEST(extraction_arguments, ask_for_packets_of_user_link_types_that_nothing_was_said_about) {
+    EXPECT_THAT(extraction_arguments("-", extraction_depth::everything, {}),
+                Contains(testing::EndsWith(" || (user_dlt)")));
+    EXPECT_THAT(extraction_arguments(
+                    "-", extraction_depth::everything,
+                    {.user_link_types = {{147, "udp"}, {162, "udp"}}, .tshark_options = {}}),
+                Contains(testing::EndsWith(
+                    " || (user_dlt && frame.encap_type != 45 && frame.encap_type != 60)")));
+}
+
 TEST(extraction_arguments, end_with_the_users_own) {
     const auto list =
         extraction_arguments("-", extraction_depth::layers,
