@@ -229,14 +229,19 @@ class capture_group {
 
     const profile_file& profile() const { return profile_; }
 
-    void open(const std::vector<fs::path>& captures, output& out,
-              std::vector<std::unique_ptr<report>> reports) {
-        run_.emplace(wanted_, out, std::move(reports), *runner_.runner);
-        records_.emplace(captures, tshark_, wanted_.extraction, [this] { run_->catch_up(); });
+    void open(const std::vector<fs::path>& captures) {
+        records_.emplace(captures, tshark_, wanted_.extraction, [this] {
+            if (run_) {
+                run_->catch_up();
+            }
+        });
     }
 
     /// Of what was opened.
-    exit_status run() { return run_->run(runner_.description, *records_); }
+    exit_status run(output& out, std::vector<std::unique_ptr<report>> reports) {
+        run_.emplace(wanted_, out, std::move(reports), *runner_.runner);
+        return run_->run(runner_.description, *records_);
+    }
 
   private:
     const options& wanted_;
@@ -258,25 +263,26 @@ exit_status replay(const options& wanted) {
         compared.emplace(wanted, compared_profile(wanted), directory, tshark);
     }
     output out(wanted.output);
+    // Before a page of a former run is written over.
+    group.open(wanted.captures);
+    if (compared) {
+        compared->open(wanted.compared);
+    }
     auto reports = reports_for(wanted, out, group.profile());
     std::vector<std::unique_ptr<report>> reports_beside;
     std::optional<page_file> page;
     if (!wanted.report.empty()) {
-        page.emplace(wanted.report, run_page());
         const auto version = tshark_version(tshark);
+        page.emplace(wanted.report, run_page());
         reports.push_back(page_report_for(*page, wanted.captures, version, group.profile()));
         if (compared) {
             reports_beside.push_back(
                 page_report_for(*page, wanted.compared, version, compared->profile()));
         }
     }
-    group.open(wanted.captures, out, std::move(reports));
+    auto status = group.run(out, std::move(reports));
     if (compared) {
-        compared->open(wanted.compared, out, std::move(reports_beside));
-    }
-    auto status = group.run();
-    if (compared) {
-        status = std::max(status, compared->run());
+        status = std::max(status, compared->run(out, std::move(reports_beside)));
     }
     if (page) {
         page->finish();
