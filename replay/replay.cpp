@@ -117,7 +117,8 @@ class replay_run {
     std::uint64_t read_ = 0;
     std::uint64_t reported_ = 0;
     std::uint64_t failed_ = 0;
-    bool capture_broke_ = false;
+    /// Why captures could not be read to their end.
+    std::vector<std::string> breaks_;
     bool a_capture_is_empty_ = false;
 };
 
@@ -137,8 +138,13 @@ exit_status replay_run::run(const std::string& heading, capture_stream& records)
         runner_.complete();
     }
     progress_->clear();
+    auto captures = records.content();
+    captures.incomplete = breaks_;
+    if (PLATFORM::interrupted()) {
+        captures.incomplete.emplace_back("interrupted");
+    }
     for (const auto& form : reports_) {
-        form->end(records.content());
+        form->end(captures);
     }
     out_.flush();
     print_count();
@@ -160,7 +166,7 @@ std::optional<trace_record> replay_run::next_of(capture_stream& records) {
         } catch (const capture_error& error) {
             // An interruption breaks off a read.
             if (!PLATFORM::interrupted()) {
-                capture_broke_ = true;
+                breaks_.emplace_back(error.what());
                 complain(error);
             }
         }
@@ -191,7 +197,7 @@ void replay_run::print_count() const {
 }
 
 exit_status replay_run::status() const {
-    if (capture_broke_) {
+    if (!breaks_.empty()) {
         return broken_off;
     }
     return failed_ == 0 && !a_capture_is_empty_ ? all_went_through : some_failed;

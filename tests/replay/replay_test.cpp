@@ -534,6 +534,7 @@ TEST_F(kivra_replay, reports_what_it_has_read_when_interrupted) {
     EXPECT_EQ(result.status, ended_by_sigint);
     EXPECT_THAT(result.error, testing::MatchesRegex("[23] records, 0 failed\n"));
     EXPECT_THAT(result.output, AllOf(HasSubstr("; idrx_int 0.64, idrx_reps 64\n"),
+                                     HasSubstr("\nincomplete\n    interrupted\n\n"),
                                      HasSubstr("\nprofile kivra-profile.json\n    idrx_int ")));
     EXPECT_THAT(names_in("."), ElementsAre("bin", "c.pcapng", "group", "kivra-profile.json"));
 }
