@@ -92,7 +92,7 @@ void fleet_report::print_line(const fleet_row& row) {
 
 exit_status fleet_report::finish(std::size_t captures) {
     if (overview_) {
-        overview_->finish();
+        overview_->finish(captures);
     }
     if (!quiet_) {
         print_counts(captures);

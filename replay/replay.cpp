@@ -117,7 +117,8 @@ class replay_run {
     std::uint64_t read_ = 0;
     std::uint64_t reported_ = 0;
     std::uint64_t failed_ = 0;
-    bool capture_broke_ = false;
+    /// Why captures could not be read to their end.
+    std::vector<std::string> breaks_;
     bool a_capture_is_empty_ = false;
 };
 
@@ -137,8 +138,13 @@ exit_status replay_run::run(const std::string& heading, capture_stream& records)
         runner_.complete();
     }
     progress_->clear();
+    auto captures = records.content();
+    captures.incomplete = breaks_;
+    if (PLATFORM::interrupted()) {
+        captures.incomplete.emplace_back("interrupted");
+    }
     for (const auto& form : reports_) {
-        form->end(records.content());
+        form->end(captures);
     }
     out_.flush();
     print_count();
@@ -165,7 +171,7 @@ std::optional<trace_record> replay_run::next_of(capture_stream& records) {
             if (PLATFORM::interrupted()) {
                 return std::nullopt;
             }
-            capture_broke_ = true;
+            breaks_.emplace_back(error.what());
             complain(error);
         }
     }
@@ -194,7 +200,7 @@ void replay_run::print_count() const {
 }
 
 exit_status replay_run::status() const {
-    if (capture_broke_) {
+    if (!breaks_.empty()) {
         return broken_off;
     }
     return failed_ == 0 && !a_capture_is_empty_ ? all_went_through : some_failed;
@@ -232,14 +238,19 @@ class capture_group {
 
     const profile_file& profile() const { return profile_; }
 
-    void open(const std::vector<fs::path>& captures, output& out,
-              std::vector<std::unique_ptr<report>> reports) {
-        run_.emplace(wanted_, out, std::move(reports), *runner_.runner);
-        records_.emplace(captures, tshark_, wanted_.extraction, [this] { run_->catch_up(); });
+    void open(const std::vector<fs::path>& captures) {
+        records_.emplace(captures, tshark_, wanted_.extraction, [this] {
+            if (run_) {
+                run_->catch_up();
+            }
+        });
     }
 
     /// Of what was opened.
-    exit_status run() { return run_->run(runner_.description, *records_); }
+    exit_status run(output& out, std::vector<std::unique_ptr<report>> reports) {
+        run_.emplace(wanted_, out, std::move(reports), *runner_.runner);
+        return run_->run(runner_.description, *records_);
+    }
 
   private:
     const options& wanted_;
@@ -261,25 +272,26 @@ exit_status replay(const options& wanted) {
         compared.emplace(wanted, compared_profile(wanted), directory, tshark);
     }
     output out(wanted.output);
+    // Before a page of a former run is written over.
+    group.open(wanted.captures);
+    if (compared) {
+        compared->open(wanted.compared);
+    }
     auto reports = reports_for(wanted, out, group.profile());
     std::vector<std::unique_ptr<report>> reports_beside;
     std::optional<page_file> page;
     if (!wanted.report.empty()) {
-        page.emplace(wanted.report, run_page());
         const auto version = tshark_version(tshark);
+        page.emplace(wanted.report, run_page());
         reports.push_back(page_report_for(*page, wanted.captures, version, group.profile()));
         if (compared) {
             reports_beside.push_back(
                 page_report_for(*page, wanted.compared, version, compared->profile()));
         }
     }
-    group.open(wanted.captures, out, std::move(reports));
+    auto status = group.run(out, std::move(reports));
     if (compared) {
-        compared->open(wanted.compared, out, std::move(reports_beside));
-    }
-    auto status = group.run();
-    if (compared) {
-        status = std::max(status, compared->run());
+        status = std::max(status, compared->run(out, std::move(reports_beside)));
     }
     if (page) {
         page->finish();

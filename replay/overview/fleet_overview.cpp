@@ -1,6 +1,5 @@
 #include "replay/overview/fleet_overview.h"
 
-#include <cstddef>
 #include <utility>
 
 #include "replay/overview/fleet_page.h"
@@ -30,8 +29,11 @@ void fleet_overview::add(const fleet_row& row) {
     page_.write(page_json(cells));
 }
 
-void fleet_overview::finish() {
+void fleet_overview::finish(std::size_t captures) {
     page_.write("\n]");
+    page_.end_block();
+    page_.begin_block("planned");
+    page_.write(page_json(captures));
     page_.end_block();
     page_.finish();
 }

@@ -1,6 +1,7 @@
 /// Many captures as a web page for people.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -19,8 +20,9 @@ struct overview_heading {
 };
 
 /// Writes the rows as they come; its size does not grow with their number. The page holds a block
-/// for the heading with the names of the columns, and one for the rows: an array of arrays of
-/// texts, a cell each, with 0 for a cell that is that of the row before (of the first row: empty).
+/// for the heading with the names of the columns, one for the rows: an array of arrays of texts, a
+/// cell each, with 0 for a cell that is that of the row before (of the first row: empty); and one
+/// for the number of captures that there were to be.
 class fleet_overview {
   public:
     /// @param file created or overwritten
@@ -32,7 +34,8 @@ class fleet_overview {
     void add(const fleet_row& row);
 
     /// Writes the page's end, behind all rows.
-    void finish();
+    /// @param captures how many there were to be run; more than rows when it was interrupted
+    void finish(std::size_t captures);
 
   private:
     page_file page_;

@@ -1,6 +1,7 @@
 #include "replay/page/page_file.h"
 
 #include <cerrno>
+#include <system_error>
 #include <utility>
 
 #include "replay/record/path_text.h"
@@ -8,11 +9,23 @@
 
 namespace KIVRA::TSHARK::REPLAY {
 
-page_file::page_file(std::filesystem::path file, const page_frame& frame)
-    : path_(std::move(file)), frame_(frame), file_(path_, std::ios::binary | std::ios::trunc) {
+namespace fs = std::filesystem;
+
+page_file::unfinished_file::~unfinished_file() {
+    std::error_code ignored;
+    // Devices stay, and links, as /dev/stdout is one.
+    if (fs::is_regular_file(fs::symlink_status(path, ignored))) {
+        fs::remove(path, ignored);
+    }
+}
+
+page_file::page_file(fs::path file, const page_frame& frame)
+    : path_(std::move(file)), frame_(frame) {
+    file_.open(path_, std::ios::binary | std::ios::trunc);
     if (!file_.is_open()) {
         fail();
     }
+    unfinished_.path = path_;
     write(frame_.head);
 }
 
@@ -39,13 +52,14 @@ void page_file::finish() {
     if (!file_.flush()) {
         fail();
     }
+    unfinished_.path.clear();
 }
 
 void page_file::fail() const {
     throw write_error(text_of(path_), errno);
 }
 
-bool is_whole_page(const std::filesystem::path& file, const page_frame& frame) {
+bool is_whole_page(const fs::path& file, const page_frame& frame) {
     std::ifstream stream(file, std::ios::binary);
     stream.seekg(-static_cast<std::streamoff>(frame.tail.size()), std::ios::end);
     std::string end(frame.tail.size(), '\0');

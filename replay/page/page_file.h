@@ -9,6 +9,7 @@
 
 namespace KIVRA::TSHARK::REPLAY {
 
+/// It does not stay when it goes without its end, be it for an error.
 class page_file {
   public:
     /// @param file created or overwritten; gets the page's beginning
@@ -27,10 +28,22 @@ class page_file {
     void finish();
 
   private:
+    /// Removes the file, unless its path is cleared before.
+    struct unfinished_file {
+        unfinished_file() = default;
+        ~unfinished_file();
+        unfinished_file(const unfinished_file&) = delete;
+        unfinished_file& operator=(const unfinished_file&) = delete;
+
+        std::filesystem::path path;
+    };
+
     [[noreturn]] void fail() const;
 
     std::filesystem::path path_;
     page_frame frame_;
+    /// Outlives the stream: Windows removes no file that is open.
+    unfinished_file unfinished_;
     std::ofstream file_;
 };
 

@@ -19,6 +19,8 @@ struct capture_content {
     std::vector<protocol_count> protocols = {};
     /// Packets of RRC signalling that PDCP has ciphered; they are no records.
     std::uint64_t encrypted_rrc = 0;
+    /// What kept records from being read, for people; empty when all of them were.
+    std::vector<std::string> incomplete = {};
 };
 
 /// "1,370 packets: tcp 1,195, sctp 83; no LTE RRC or NAS", for a capture without a record.

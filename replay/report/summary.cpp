@@ -52,6 +52,7 @@ void summary::print(std::ostream& out, const profile_file& profile,
         << " with a result, " << totals_.all.records - totals_.all.with_result - totals_.all.failed
         << " without, " << totals_.all.failed << " failed\n";
     print_formats(out);
+    print_incomplete(out, captures);
     print_messages(out);
     print_unreadable(out, captures);
     print_values(out);
@@ -66,6 +67,16 @@ void summary::print_formats(std::ostream& out) const {
             << (format.empty() ? "(no format)" : printable(format)) << counts.records << ": "
             << counts.with_result << " with a result, " << counts.failed << " failed"
             << analysis_note(format) << '\n';
+    }
+}
+
+void summary::print_incomplete(std::ostream& out, const capture_content& captures) {
+    if (captures.incomplete.empty()) {
+        return;
+    }
+    out << "\nincomplete\n";
+    for (const auto& text : captures.incomplete) {
+        print_wrapped(out, printable(text), indent);
     }
 }
 

@@ -25,6 +25,7 @@ class summary {
 
   private:
     void print_formats(std::ostream& out) const;
+    static void print_incomplete(std::ostream& out, const capture_content& captures);
     void print_messages(std::ostream& out) const;
     void print_unreadable(std::ostream& out, const capture_content& captures) const;
     void print_values(std::ostream& out) const;

@@ -201,6 +201,7 @@ json diagnostics_of(const run_totals& totals) {
 json json_of(const run_totals& totals, const profile_file& profile,
              const capture_content& captures) {
     return {{"records", counts_of(totals.all)},
+            {"incomplete", captures.incomplete},
             {"formats", formats_of(totals)},
             {"messages", messages_of(totals)},
             {"unreadable",

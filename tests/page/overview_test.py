@@ -52,13 +52,15 @@ class OverviewTest(unittest.TestCase):
     def tearDown(self):
         self.assertEqual(self.browser.complaints(), [])
 
-    def open_rows(self, rows):
-        """Opens the overview with other rows; cells by their columns."""
+    def open_rows(self, rows, planned=None):
+        """Opens the overview with other rows; cells by their columns.
+        @param planned how many there were to be; as many as they are, if it is not given"""
         cells = [[row.get(column, "") for column in self.rows[0]] for row in rows]
         text = json.dumps(cells).replace("<", "\\u003c")
         page = self.folder / "pages/other.html"
-        page.write_text(re.sub(r'(class="rows">).*?(</script>)', lambda part: part[1] + text + part[2],
-                               self.page, flags=re.DOTALL))
+        blocks = {"rows": text, "planned": str(len(rows) if planned is None else planned)}
+        page.write_text(re.sub(r'(class="(rows|planned)">).*?(</script>)',
+                               lambda part: part[1] + blocks[part[2]] + part[3], self.page, flags=re.DOTALL))
         self.browser.open(page)
 
     # What is in the page
@@ -134,6 +136,13 @@ class headings(OverviewTest):
         statuses = collections.Counter(row["status"] for row in self.expected)
         shown = self.browser.rows_of_facts()["captures"]
         self.assertCountEqual(shown.split(", "), [f"{count} {status}" for status, count in statuses.items()])
+
+
+    def test_say_how_many_captures_an_interrupted_run_has_done(self):
+        self.assertNotIn("interrupted", self.browser.rows_of_facts())
+        self.open_rows([{"capture": f"{number}.pcap", "status": "ok"} for number in range(10)], 60)
+        self.assertEqual(self.browser.text("h1"), "10 of 60 captures")
+        self.assertEqual(self.browser.rows_of_facts()["interrupted"], "10 of 60 captures done")
 
 
 class answers(OverviewTest):

@@ -180,6 +180,19 @@ class figures(PageTest):
                      "kivra-replay ", "TShark (Wireshark) "):
             self.assertIn(part, heading)
 
+    def test_of_a_capture_that_breaks_off_are_incomplete(self):
+        cut = self.folder / "cut.pcapng"
+        cut.write_bytes(LTEM.read_bytes()[:1500])
+        reason, = self.open("cut", cut)["incomplete"]
+        self.assertIn(f"can't read {cut}: ", reason)
+        self.assertEqual(self.browser.rows_of_facts()["incomplete"], reason)
+        self.assertEqual(self.browser.text("#diagnostics p"), f"Incomplete: {reason}")
+
+    def test_of_a_whole_capture_are_not_incomplete(self):
+        self.open_sample()
+        self.assertNotIn("incomplete", self.browser.rows_of_facts())
+        self.assertEqual(self.browser.text("#diagnostics p"), "None.")
+
     def test_come_with_the_answers(self):
         summary = self.open_sample()
         answers = self.browser.text("#answers")

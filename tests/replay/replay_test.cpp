@@ -367,6 +367,31 @@ TEST_F(kivra_replay, ends_with_an_error_where_a_page_finds_no_room) {
     EXPECT_EQ(result.error, "kivra-replay: can't write /dev/full: No space left on device\n");
 }
 
+TEST_F(kivra_replay, leaves_no_part_of_a_page_that_finds_no_room) {
+    write_capture("c.pcapng", {ip_packet});
+    // Of 1024 bytes; less than a page has before its data.
+    const auto result = run_process({"/bin/bash", "-c",
+                                     "trap '' XFSZ; ulimit -f 8; exec " KIVRA_REPLAY
+                                     " -q --report page.html c.pcapng"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.error, "kivra-replay: can't write page.html: File too large\n");
+    EXPECT_THAT(names_in("."), ElementsAre("c.pcapng"));
+}
+
+TEST_F(kivra_replay, leaves_the_page_of_a_former_run_where_it_can_not_start) {
+    write_capture("c.pcapng", {ip_packet});
+    write_file("page.html", "of before");
+    for (const std::vector<std::string>& lack : {std::vector<std::string>{"missing.pcapng"},
+                                                 {"--compare", "missing.pcapng"},
+                                                 {"--plugin", "missing.so"},
+                                                 {"--tshark-directory", "/nowhere"}}) {
+        std::vector<std::string> arguments{"c.pcapng", "--report", "page.html"};
+        arguments.insert(arguments.end(), lack.begin(), lack.end());
+        EXPECT_EQ(run(arguments).status, 2);
+        EXPECT_EQ(read_file("page.html"), "of before") << lack.front();
+    }
+}
+
 TEST_F(kivra_replay, writes_the_same_page_whatever_else_it_writes) {
     const auto capture = capture_file("ltem_attach_psm.pcapng");
     EXPECT_EQ(run({"-q", "--report", "alone.html", capture}).output, "");
@@ -509,6 +534,7 @@ TEST_F(kivra_replay, reports_what_it_has_read_when_interrupted) {
     EXPECT_EQ(result.status, ended_by_sigint);
     EXPECT_THAT(result.error, testing::MatchesRegex("[23] records, 0 failed\n"));
     EXPECT_THAT(result.output, AllOf(HasSubstr("; idrx_int 0.64, idrx_reps 64\n"),
+                                     HasSubstr("\nincomplete\n    interrupted\n\n"),
                                      HasSubstr("\nprofile kivra-profile.json\n    idrx_int ")));
     EXPECT_THAT(names_in("."), ElementsAre("bin", "c.pcapng", "group", "kivra-profile.json"));
 }

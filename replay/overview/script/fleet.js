@@ -62,7 +62,7 @@ class Column {
   }
 }
 
-/** {heading, count, columns: Map of Column}. The blocks are removed: they are as large as the table. */
+/** {heading, count, planned, columns: Map of Column}; `planned` captures were to be run. The blocks are removed: they are as large as the table. */
 function readFleet() {
   const take = (name) => {
     const block = document.querySelector(`script.${name}`);
@@ -72,10 +72,11 @@ function readFleet() {
   };
   const heading = take("heading");
   const rows = take("rows");
+  const planned = take("planned");
   const columns = heading.columns.map((id) => new Column(id, rows.length));
   rows.forEach((row, index) => row.forEach((cell, place) => columns[place].add(index, cell)));
   columns.forEach((column) => column.finish());
-  return {heading, count: rows.length, columns: new Map(columns.map((column) => [column.id, column]))};
+  return {heading, count: rows.length, planned, columns: new Map(columns.map((column) => [column.id, column]))};
 }
 
 /** A page's address from its path, which is to be nothing but a path. */

@@ -18,15 +18,16 @@ function countsText(column) {
 }
 
 function showHeading(place, fleet) {
-  const {heading, count, columns} = fleet;
+  const {heading, count, planned, columns} = fleet;
   const begin = firstText(columns.get("begin"));
   const end = lastText(columns.get("end"));
   const seconds = (Date.parse(end) - Date.parse(begin)) / 1000;
-  const title = plural(count, "capture");
+  const title = count < planned ? `${grouped(count)} of ${plural(planned, "capture")}` : plural(count, "capture");
   document.title = `${title} \u2013 kivra-replay`;
   const facts = [
     ["time", begin === "" ? "no record" : `${begin} to ${end}${seconds >= 0 ? `, ${durationText(seconds)}` : ""}`],
     ["captures", count === 0 ? "none" : countsText(columns.get("status"))],
+    ...(count < planned ? [["interrupted", `${grouped(count)} of ${plural(planned, "capture")} done`]] : []),
     ["made by", `kivra-replay ${heading.version}${heading.tshark === "" ? "" : `, ${heading.tshark}`}`],
   ];
   place.append(element("h1", {}, title), element("dl", {class: "facts"}, ...facts.flatMap(([name, value]) => (

@@ -100,11 +100,13 @@ function spanText(run) {
 
 function runHeading(run, several) {
   const {records, with_result: withResult, failed} = run.summary.records;
+  const {incomplete} = run.summary;
   const facts = [
     [run.heading.captures.length === 1 ? "capture" : "captures", run.heading.captures.join(", ")],
     ["time", spanText(run)],
     ["records", `${grouped(records)}: ${grouped(withResult)} with a result, ${
       grouped(records - withResult - failed)} without, ${grouped(failed)} failed`],
+    ...(incomplete.length === 0 ? [] : [["incomplete", incomplete.join("; ")]]),
     ["made by", `kivra-replay ${run.heading.version}, ${run.heading.tshark || "tshark"}`],
     ["run by", run.heading.runner],
   ];

@@ -102,9 +102,16 @@ function showProfile(place, run) {
 }
 
 function showDiagnostics(place, run) {
-  const {diagnostics} = run.summary;
-  place.append(diagnostics.length === 0 ? note("None.")
-    : table("What went wrong, or was worth a log message", ["text", "count", "first record", "what it means"],
+  const {diagnostics, incomplete} = run.summary;
+  place.append(...incomplete.map((text) => element("p", {}, element("strong", {}, "Incomplete:"), ` ${text}`)));
+  if (diagnostics.length === 0 && incomplete.length === 0) {
+    place.append(note("None."));
+  }
+  if (diagnostics.length === 0) {
+    return;
+  }
+  place.append(
+    table("What went wrong, or was worth a log message", ["text", "count", "first record", "what it means"],
       diagnostics.map(({text, count, first_record: first, meaning}) => (
         [text, grouped(count), recordLink(run, first), meaning]))));
 }

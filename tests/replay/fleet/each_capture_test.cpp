@@ -271,9 +271,12 @@ TEST_F(each_capture, is_not_run_without_a_tshark) {
 
 TEST_F(each_capture, is_reported_when_an_interruption_ends_the_others) {
     // The tshark for the second capture interrupts the run, and does not end before its input does.
+    fs::copy("lab/night", "more");
+    fs::rename("more/nbiot_attach.pcapng", "more/third.pcapng");
     fs::create_directory("bin");
     write_file("bin/tshark",
                "#!/bin/sh\n"
+               "if [ \"$1\" = --version ]; then exec /usr/bin/tshark --version; fi\n"
                "if [ -e interrupted ]; then exec cat >/dev/null; fi\n"
                "if [ -e second ]; then touch interrupted; kill -INT \"$(cat run)\"; exec cat "
                ">/dev/null; fi\n"
@@ -282,13 +285,15 @@ TEST_F(each_capture, is_reported_when_an_interruption_ends_the_others) {
     fs::permissions("bin/tshark", fs::perms::owner_all);
     const auto result = run_process({"/bin/bash", "-c",
                                      "echo $$ > run; TMPDIR=tmp exec " KIVRA_REPLAY
-                                     " --each --jobs 1 --tshark-directory bin lab lab/night lab"});
+                                     " --each --jobs 1 --tshark-directory bin --report pages"
+                                     " lab lab/night more"});
     EXPECT_EQ(result.status, -2);
     EXPECT_EQ(result.output, std::string("lab/") + ltem_line +
                                  " granted\n"
                                  "\ninterrupted: 1 of 3 captures done\n"
                                  "\ncaptures\n    ok                         1\n"
                                  "\nPSM\n    granted                    1\n");
+    EXPECT_THAT(read_file("pages/index.html"), HasSubstr("class=\"planned\">3</script>"));
     EXPECT_THAT(names_in("tmp"), IsEmpty());
 }
 

@@ -34,7 +34,7 @@ class overviews : public TESTING::scratch_test {
         for (const auto& row : rows) {
             overview.add(row);
         }
-        overview.finish();
+        overview.finish(rows.size());
         return TESTING::read_file("index.html");
     }
 
@@ -92,6 +92,13 @@ TEST_F(overviews, hold_a_row_a_line) {
     EXPECT_EQ(json::parse(rows).size(), 3);
 }
 
+TEST_F(overviews, hold_how_many_captures_there_were_to_be) {
+    fleet_overview overview("index.html", {});
+    overview.add(row_of({"a"}));
+    overview.finish(3);
+    EXPECT_EQ(block(TESTING::read_file("index.html"), "planned"), "3");
+}
+
 TEST_F(overviews, leave_out_what_the_row_before_has) {
     EXPECT_EQ(cells_of({row_of({"a", "ok", ""}), row_of({"b", "ok", "e"}), row_of({"b", "", "e"}),
                         row_of({"b", "ok", ""})},
@@ -115,7 +122,7 @@ TEST_F(overviews, refuse_a_file_that_cannot_be_written) {
 TEST_F(overviews, notice_a_write_that_fails) {
     const auto fill = [] {
         fleet_overview overview("/dev/full", {});
-        overview.finish();
+        overview.finish(0);
     };
     EXPECT_THAT(
         fill, ThrowsMessage<std::runtime_error>("can't write /dev/full: No space left on device"));

@@ -1,5 +1,6 @@
 #include "replay/page/page_file.h"
 
+#include <filesystem>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -28,8 +29,13 @@ TEST_F(page_files, are_whole_with_their_end) {
     EXPECT_TRUE(is_whole_page("page.html", frame));
 }
 
-TEST_F(page_files, are_not_whole_before_they_are_finished) {
+TEST_F(page_files, do_not_stay_without_their_end) {
     { page_file("page.html", frame).write("<tail>, and more"); }
+    EXPECT_FALSE(std::filesystem::exists("page.html"));
+}
+
+TEST_F(page_files, are_not_whole_without_their_end) {
+    TESTING::write_file("page.html", "<head><tail>, and more");
     EXPECT_FALSE(is_whole_page("page.html", frame));
 }
 
@@ -42,6 +48,13 @@ TEST_F(page_files, are_not_whole_where_there_is_less_than_an_end) {
 TEST_F(page_files, notice_a_last_write_that_fails) {
     // So little that it is written with the end.
     EXPECT_THROW(page_file("/dev/full", frame).finish(), std::runtime_error);
+}
+
+TEST_F(page_files, that_are_links_stay) {
+    TESTING::write_file("target", "");
+    std::filesystem::create_symlink("target", "page.html");
+    { const page_file file("page.html", frame); }
+    EXPECT_TRUE(std::filesystem::is_symlink("page.html"));
 }
 
 }  // namespace

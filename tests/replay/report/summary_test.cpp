@@ -61,6 +61,19 @@ TEST_F(summaries, count_records_by_their_formats) {
                            "    (no format)                     1: 0 with a result, 1 failed\n"));
 }
 
+TEST_F(summaries, say_what_kept_records_from_being_read) {
+    add_message("Attach request");
+    EXPECT_THAT(printed({.incomplete = {"can't read a\x1b.pcapng: cut short", "interrupted"}}),
+                HasSubstr("\nincomplete\n"
+                          "    can't read a\\x1b.pcapng: cut short\n"
+                          "    interrupted\n"
+                          "\nmessages\n"));
+}
+
+TEST_F(summaries, are_not_incomplete_where_all_was_read) {
+    EXPECT_THAT(printed(), Not(HasSubstr("incomplete")));
+}
+
 TEST_F(summaries, count_messages_in_the_order_of_their_first) {
     add_message("Attach request");
     add_message("Attach accept");

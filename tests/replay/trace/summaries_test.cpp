@@ -1,4 +1,5 @@
 // The summary that kivra-replay writes for programs, and what its records say beside it.
+#include <algorithm>
 #include <cstddef>
 #include <filesystem>
 #include <sstream>
@@ -114,6 +115,26 @@ TEST_F(summaries, of_failures_follow_the_schema) {
     EXPECT_EQ(summary["formats"]["lte-rrc.ul_ccch"]["nearest"], "lte_rrc.ul_ccch");
     EXPECT_EQ(summary["formats"][""]["failed"], 1);
     EXPECT_EQ(summary["measured"]["end"], "300000000000000000 us");
+}
+
+TEST_F(summaries, of_a_whole_capture_are_not_incomplete) {
+    EXPECT_EQ(summary_of(capture_file("nbiot_attach.pcapng"))["incomplete"], json::array());
+}
+
+TEST_F(summaries, of_captures_that_break_off_are_incomplete_and_follow_the_schema) {
+    const auto image = read_file(capture_file("ltem_attach_psm.pcapng"));
+    write_file("cut.pcapng", image.substr(0, 1500));
+    write_file("junk.pcapng", "no capture");
+    const auto result =
+        run_replay({"-q", "--summary", "summary.json", "cut.pcapng", "junk.pcapng"});
+    EXPECT_EQ(complaints(), "");
+    const auto summary = read_json("summary.json");
+    std::string errors;
+    for (const auto& text : summary["incomplete"]) {
+        errors += "kivra-replay: " + text.get<std::string>() + '\n';
+    }
+    EXPECT_EQ(errors, result.error);
+    EXPECT_EQ(std::ranges::count(errors, '\n'), 2);
 }
 
 TEST_F(summaries, count_what_could_not_be_read) {
