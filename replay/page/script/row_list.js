@@ -147,9 +147,12 @@ class RowList {
       rows.push(this.row(place));
     }
     this.body.replaceChildren(...rows);
+    // Browsers repeat a head's texts on each sheet, but not its buttons.
+    this.heads.forEach((head, place) => head.replaceChildren(this.columns[place].name));
   }
 
   drawForScreen() {
+    this.setColumns(this.columns);
     this.draw(true);
   }
 

@@ -70,17 +70,18 @@ function figureRows({summary}) {
 
 function showMeasured(place, run) {
   const {summary} = run;
-  place.append(element("div", {class: "side-by-side"},
+  place.append(
     table("Durations, from time stamps", ["duration", "count", "least", "median", "greatest", "sum"],
       durationRows(summary.measured)),
-    table("Figures", ["figure", "value"], figureRows(run)),
-    table("Messages", ["message", "count"], Object.entries(summary.messages).map(([name, count]) => (
-      [name, grouped(count)]))),
+    element("div", {class: "side-by-side"},
+      table("Figures", ["figure", "value"], figureRows(run)),
+      table("Messages", ["message", "count"], Object.entries(summary.messages).map(([name, count]) => (
+        [name, grouped(count)])))),
     table("Formats", ["format", "records", "with a result", "failed", "note"],
       Object.entries(summary.formats).map(([name, format]) => [name || "(no format)",
         grouped(format.records), grouped(format.with_result), grouped(format.failed),
         format.analysed || name === "" ? ""
-          : `not analysed${format.nearest ? `; tshark knows ${format.nearest}` : ""}`]))));
+          : `not analysed${format.nearest ? `; tshark knows ${format.nearest}` : ""}`])));
 }
 
 function showProfile(place, run) {
