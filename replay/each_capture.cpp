@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -77,7 +78,7 @@ class each_run {
 
     exit_status run() {
         PLATFORM::note_all_interruptions();
-        run_fleet(
+        const auto failure = run_fleet(
             {.captures = captures_.size(),
              .jobs = jobs_of(wanted_),
              .run = [this](std::size_t capture, std::size_t job) { return run(capture, job); },
@@ -88,7 +89,11 @@ class each_run {
                  },
              .ended = [this](std::size_t capture) { count(capture); }});
         progress_.clear();
-        return report_.finish(captures_.size());
+        const auto status = report_.finish(captures_.size());
+        if (failure) {
+            std::rethrow_exception(failure);
+        }
+        return status;
     }
 
   private:
@@ -134,7 +139,7 @@ class each_run {
             wanted_.profile.empty() ? scratch / "profile.json"
                                     : file_for(wanted_.profile, name, ".profile.json"),
             wanted_.report.empty() ? fs::path() : file_for(wanted_.report, name, page_ending)};
-        auto row = row_of_run(program_, files, PLATFORM::interrupted);
+        auto row = run_capture(program_, files, PLATFORM::interrupted);
         if (keep_whole_page(files.page) && row) {
             set_page(*row, generic_text_of(file_for({}, name, page_ending)));
         }
@@ -159,7 +164,7 @@ class each_run {
 }  // namespace
 
 capture_program program_for(const options& wanted) {
-    std::vector<std::string> arguments{"--quiet"};
+    std::vector<std::string> arguments{"--quiet", "--one-of-many"};
     if (wanted.profile.empty()) {
         arguments.emplace_back("--temporary-profile");
     }

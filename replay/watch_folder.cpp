@@ -126,7 +126,7 @@ class watch_run {
     void run(const fs::path& capture, std::size_t job) {
         const fs::path scratch = scratch_.path() / std::to_string(job);
         const capture_files files{capture, scratch / "summary.json", scratch / "profile.json", {}};
-        const auto row = row_of_run(program_, files, PLATFORM::interrupted);
+        const auto row = run_capture(program_, files, PLATFORM::interrupted);
         if (!row) {
             return;
         }

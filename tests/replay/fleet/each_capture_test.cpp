@@ -9,6 +9,7 @@
 
 #include "tests/replay/sample_captures.h"
 #include "tests/support/files.h"
+#include "tests/support/privileges_posix.h"
 #include "tests/support/process.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -267,6 +268,68 @@ TEST_F(each_capture, is_not_run_without_a_tshark) {
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.output, "");
     EXPECT_EQ(std::ranges::count(result.error, '\n'), 1);
+}
+
+class obstacle_to_captures : public each_capture {
+  protected:
+    obstacle_to_captures() { fs::copy_file("lab/ltem_attach_psm.pcapng", "lab/second.pcapng"); }
+
+    /// Runs both, the second one after these commands.
+    static process_result run_after(const std::string& commands,
+                                    const std::vector<std::string>& options = {}) {
+        fs::create_directory("bin");
+        write_file("bin/tshark",
+                   "#!/bin/sh\n[ \"$1\" != --version ] || exec /usr/bin/tshark --version\n" +
+                       commands + "\nexec /usr/bin/tshark \"$@\"\n");
+        fs::permissions("bin/tshark", fs::perms::owner_all);
+        fs::copy_file(KIVRA_REPLAY, "replay");
+        std::vector<std::string> words{"./replay", "--each", "lab",      "--tshark-directory",
+                                       "bin",      "--jobs", "1",        "-q",
+                                       "--table",  "t.csv",  "--report", "pages"};
+        words.insert(words.end(), options.begin(), options.end());
+        return run_process(words);
+    }
+
+    static void expect_first_alone(const process_result& result, const std::string& why) {
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.error, "kivra-replay: " + why + "\n");
+        const auto table = read_file("t.csv");
+        EXPECT_THAT(table, HasSubstr("lab/ltem_attach_psm.pcapng,ok,"));
+        EXPECT_EQ(std::ranges::count(table, '\n'), 2);
+        EXPECT_THAT(read_file("pages/index.html"), EndsWith("</html>\n"));
+    }
+};
+
+TEST_F(obstacle_to_captures, ends_the_run_where_the_program_can_not_be_started) {
+    const auto result = run_after("chmod a-x replay");
+    expect_first_alone(result,
+                       "can't start " + fs::absolute("replay").string() + ": Permission denied");
+}
+
+TEST_F(obstacle_to_captures, ends_the_run_where_there_is_no_tshark_any_more) {
+    expect_first_alone(run_after("rm bin/tshark"),
+                       "tshark not found from path or default installation location");
+}
+
+TEST_F(obstacle_to_captures, ends_the_run_where_the_process_can_not_write) {
+    expect_first_alone(run_after("[ ! -e once ] || mkdir s/second.pcapng.summary.json; touch once",
+                                 {"--summary", "s"}),
+                       "can't write s/second.pcapng.summary.json: Is a directory");
+}
+
+TEST_F(obstacle_to_captures, ends_the_run_where_a_folder_can_not_be_made) {
+    write_file("p", "");
+    EXPECT_EQ(run_each({"lab", "--profile", "p"}).error,
+              "kivra-replay: can't write p/ltem_attach_psm.pcapng.profile.json: Not a directory\n");
+}
+
+TEST_F(obstacle_to_captures, ends_the_run_where_profiles_can_not_be_written) {
+    fs::create_directory("p");
+    fs::permissions("tmp", fs::perms::all);
+    const ordinary_user user;
+    EXPECT_EQ(run_each({"lab", "--profile", "p"}).error,
+              "kivra-replay: can't write p/ltem_attach_psm.pcapng.profile.json: "
+              "Permission denied\n");
 }
 
 TEST_F(each_capture, is_reported_when_an_interruption_ends_the_others) {
