@@ -190,7 +190,11 @@ std::size_t jobs_of(const options& wanted) {
 }
 
 exit_status replay_each(const options& wanted) {
-    auto captures = list_captures(wanted.captures, wanted.recursive);
+    auto least_status = all_went_through;
+    auto captures = list_captures(wanted.captures, wanted.recursive, [&](const std::string& why) {
+        print_error(why);
+        least_status = some_failed;
+    });
     if (!wanted.summary.empty() || !wanted.profile.empty() || !wanted.report.empty()) {
         refuse_same_names(captures);
     }
@@ -200,7 +204,7 @@ exit_status replay_each(const options& wanted) {
     for (const auto& capture : captures) {
         refuse_to_overwrite(capture.file, {wanted.output, wanted.table, overview_file(wanted)});
     }
-    return each_run(wanted, std::move(captures)).run();
+    return std::max(least_status, each_run(wanted, std::move(captures)).run());
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -115,7 +115,12 @@ class watch_run {
             print_error(watch_error(folder, reason).what());
         }
         for (const auto& file : news.files) {
-            if (known_.insert(text_of(file)).second) {
+            if (!known_.insert(text_of(file)).second) {
+                continue;
+            }
+            if (const auto obstacle = obstacle_to_naming(file)) {
+                print_error(*obstacle);
+            } else {
                 ++taken_;
                 queue.add(file);
             }

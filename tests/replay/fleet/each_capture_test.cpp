@@ -106,6 +106,26 @@ TEST_F(each_capture, costs_only_itself_when_it_is_broken) {
                                     HasSubstr("kivra-replay: can't read lab/junk.pcap: ")));
 }
 
+TEST_F(each_capture, is_left_out_where_a_table_can_not_name_it) {
+    fs::copy_file("lab/ltem_attach_psm.pcapng", "lab/a\xff.pcapng");
+    const auto result = run_each({"lab", "--table", "t.csv", "--report", "pages"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, StartsWith(std::string("lab/") + ltem_line));
+    EXPECT_EQ(result.error, "kivra-replay: lab/a\\xff.pcapng is left out: its name is not UTF-8\n");
+    EXPECT_THAT(read_file("t.csv"), Not(HasSubstr("\xff")));
+    EXPECT_THAT(names_in("pages"), ElementsAre("index.html", "ltem_attach_psm.pcapng.html"));
+}
+
+TEST_F(each_capture, in_a_folder_that_can_not_be_read_is_left_out) {
+    fs::permissions("tmp", fs::perms::all);
+    fs::permissions("lab/night", fs::perms::none);
+    const ordinary_user user;
+    const auto result = run_each({"lab", "--recursive"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, StartsWith(std::string("lab/") + ltem_line));
+    EXPECT_EQ(result.error, "kivra-replay: can't read lab/night: Permission denied\n");
+}
+
 TEST_F(each_capture, ends_with_2_when_none_can_be_read) {
     EXPECT_EQ(run_each({"missing.pcap", "none.pcap"}).status, 2);
 }

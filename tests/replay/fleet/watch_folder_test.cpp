@@ -203,6 +203,14 @@ TEST_F(watched_captures, do_not_come_in_folders_within_it_else) {
     EXPECT_EQ(run.line(), std::string("lab/b.pcapng") + is_ok);
 }
 
+TEST_F(watched_captures, that_a_table_can_not_name_are_left_out) {
+    put("lab/0\xff.pcapng");
+    auto run = watch();
+    EXPECT_EQ(run.line(), std::string("lab/a.pcapng") + is_ok);
+    EXPECT_EQ(read_file("errors"),
+              "kivra-replay: lab/0\\xff.pcapng is left out: its name is not UTF-8\n");
+}
+
 TEST_F(watched_captures, are_taken_once) {
     auto run = watch();
     EXPECT_EQ(run.line(), std::string("lab/a.pcapng") + is_ok);
