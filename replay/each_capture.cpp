@@ -8,6 +8,7 @@
 #include <iostream>
 #include <map>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -36,6 +37,8 @@ namespace {
 namespace fs = std::filesystem;
 using PLATFORM::standard_stream;
 
+constexpr const char* summary_ending = ".summary.json";
+constexpr const char* profile_ending = ".profile.json";
 constexpr const char* page_ending = ".html";
 
 /// Empty where only a plug-in could say that there is no tshark.
@@ -62,6 +65,56 @@ void refuse_page_of_overview(const std::vector<listed_capture>& captures,
         if (file_for({}, name, page_ending) == overview.filename()) {
             throw std::runtime_error("the page of " + text_of(file) +
                                      " would be the overview's, index.html");
+        }
+    }
+}
+
+/// What is kept for each capture.
+struct kept_files {
+    fs::path folder;
+    std::string ending;
+};
+
+std::vector<kept_files> files_kept(const options& wanted) {
+    std::vector<kept_files> kept{{wanted.summary, summary_ending},
+                                 {wanted.profile, profile_ending},
+                                 {wanted.report, page_ending}};
+    std::erase_if(kept, [](const kept_files& files) { return files.folder.empty(); });
+    return kept;
+}
+
+/// Where a file stands, or would: what is written for a capture replaces a link, too.
+fs::path place_of(const fs::path& file) {
+    return fs::weakly_canonical(fs::absolute(file).parent_path()) / file.filename();
+}
+
+/// Captures, and files of the whole run, in whose place a capture's file would be written.
+void refuse_replacing(const options& wanted, const std::vector<listed_capture>& captures) {
+    const auto kept = files_kept(wanted);
+    std::set<fs::path> threatened;
+    // Few are called as a capture's files.
+    const auto consider = [&](const fs::path& file) {
+        const auto name = text_of(file.filename());
+        if (std::ranges::any_of(kept,
+                                [&](const auto& files) { return name.ends_with(files.ending); })) {
+            threatened.insert(place_of(file));
+        }
+    };
+    consider(wanted.output);
+    consider(wanted.table);
+    for (const auto& capture : captures) {
+        consider(capture.file);
+    }
+    if (threatened.empty()) {
+        return;
+    }
+    for (const auto& capture : captures) {
+        for (const auto& [folder, ending] : kept) {
+            const auto file = file_for(folder, capture.name, ending.c_str());
+            if (threatened.contains(place_of(file))) {
+                throw std::runtime_error("a file of " + text_of(capture.file) + " would replace " +
+                                         text_of(file));
+            }
         }
     }
 }
@@ -135,9 +188,9 @@ class each_run {
         const capture_files files{
             file,
             wanted_.summary.empty() ? scratch / "summary.json"
-                                    : file_for(wanted_.summary, name, ".summary.json"),
+                                    : file_for(wanted_.summary, name, summary_ending),
             wanted_.profile.empty() ? scratch / "profile.json"
-                                    : file_for(wanted_.profile, name, ".profile.json"),
+                                    : file_for(wanted_.profile, name, profile_ending),
             wanted_.report.empty() ? fs::path() : file_for(wanted_.report, name, page_ending)};
         auto row = run_capture(program_, files, PLATFORM::interrupted);
         if (keep_whole_page(files.page) && row) {
@@ -201,9 +254,12 @@ exit_status replay_each(const options& wanted) {
     if (!wanted.report.empty()) {
         refuse_page_of_overview(captures, overview_file(wanted));
     }
+    const std::vector<fs::path> outputs{wanted.output, wanted.table, overview_file(wanted)};
+    refuse_same_targets(outputs);
     for (const auto& capture : captures) {
-        refuse_to_overwrite(capture.file, {wanted.output, wanted.table, overview_file(wanted)});
+        refuse_to_overwrite(capture.file, outputs);
     }
+    refuse_replacing(wanted, captures);
     return std::max(least_status, each_run(wanted, std::move(captures)).run());
 }
 

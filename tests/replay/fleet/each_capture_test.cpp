@@ -263,6 +263,60 @@ TEST_F(each_capture, is_refused_where_its_page_would_be_the_overview) {
     EXPECT_FALSE(fs::exists("pages"));
 }
 
+TEST_F(each_capture, is_not_run_where_two_files_would_be_one) {
+    fs::create_directory("p");
+    for (const std::vector<std::string>& options :
+         {std::vector<std::string>{"--table", "o", "--output", "./tmp/../o"},
+          {"--table", "p/index.html", "--report", "p"},
+          {"--output", "p/index.html", "--report", "p"}}) {
+        auto arguments = options;
+        arguments.emplace_back("lab");
+        const auto result = run_each(arguments);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_THAT(result.error, StartsWith("kivra-replay: can't write two files to "));
+        EXPECT_FALSE(fs::exists("o"));
+        EXPECT_THAT(names_in("p"), IsEmpty());
+    }
+}
+
+TEST_F(each_capture, is_not_run_where_a_capture_s_file_would_replace_another_one) {
+    fs::create_directory_symlink("lab", "link");
+    const auto image = read_file("lab/ltem_attach_psm.pcapng");
+    for (const std::string ending : {".html", ".summary.json", ".profile.json"}) {
+        const auto second = "lab/ltem_attach_psm.pcapng" + ending;
+        write_file(second, image);
+        const auto result = run_each({"lab/ltem_attach_psm.pcapng", second, "--report", "link",
+                                      "--summary", "link", "--profile", "link"});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.error,
+                  "kivra-replay: a file of lab/ltem_attach_psm.pcapng would replace "
+                  "link/ltem_attach_psm.pcapng" +
+                      ending + "\n");
+        EXPECT_EQ(read_file(second), image);
+        fs::remove(second);
+    }
+}
+
+TEST_F(each_capture, is_not_run_where_its_file_would_replace_the_table_or_the_output) {
+    for (const std::string option : {"--table", "--output"}) {
+        const auto result =
+            run_each({"lab", "--summary", "s", option, "s/ltem_attach_psm.pcapng.summary.json"});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.error,
+                  "kivra-replay: a file of lab/ltem_attach_psm.pcapng would replace "
+                  "s/ltem_attach_psm.pcapng.summary.json\n");
+        EXPECT_FALSE(fs::exists("s"));
+    }
+}
+
+TEST_F(each_capture, is_told_of_with_the_file_that_can_not_be_written) {
+    for (const std::string option : {"--table", "--output"}) {
+        const auto result = run_each({"lab", option, "/dev/full"});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.error, "kivra-replay: can't write /dev/full: No space left on device\n");
+    }
+}
+
 TEST_F(each_capture, is_refused_where_two_would_have_one_page) {
     EXPECT_THAT(run_each({"lab", "lab", "--report", "pages"}).error,
                 HasSubstr("would have the same file"));
