@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <iostream>
 #include <map>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -35,6 +37,8 @@ namespace {
 namespace fs = std::filesystem;
 using PLATFORM::standard_stream;
 
+constexpr const char* summary_ending = ".summary.json";
+constexpr const char* profile_ending = ".profile.json";
 constexpr const char* page_ending = ".html";
 
 /// Empty where only a plug-in could say that there is no tshark.
@@ -65,6 +69,56 @@ void refuse_page_of_overview(const std::vector<listed_capture>& captures,
     }
 }
 
+/// What is kept for each capture.
+struct kept_files {
+    fs::path folder;
+    std::string ending;
+};
+
+std::vector<kept_files> files_kept(const options& wanted) {
+    std::vector<kept_files> kept{{wanted.summary, summary_ending},
+                                 {wanted.profile, profile_ending},
+                                 {wanted.report, page_ending}};
+    std::erase_if(kept, [](const kept_files& files) { return files.folder.empty(); });
+    return kept;
+}
+
+/// Where a file stands, or would: what is written for a capture replaces a link, too.
+fs::path place_of(const fs::path& file) {
+    return fs::weakly_canonical(fs::absolute(file).parent_path()) / file.filename();
+}
+
+/// Captures, and files of the whole run, in whose place a capture's file would be written.
+void refuse_replacing(const options& wanted, const std::vector<listed_capture>& captures) {
+    const auto kept = files_kept(wanted);
+    std::set<fs::path> threatened;
+    // Few are called as a capture's files.
+    const auto consider = [&](const fs::path& file) {
+        const auto name = text_of(file.filename());
+        if (std::ranges::any_of(kept,
+                                [&](const auto& files) { return name.ends_with(files.ending); })) {
+            threatened.insert(place_of(file));
+        }
+    };
+    consider(wanted.output);
+    consider(wanted.table);
+    for (const auto& capture : captures) {
+        consider(capture.file);
+    }
+    if (threatened.empty()) {
+        return;
+    }
+    for (const auto& capture : captures) {
+        for (const auto& [folder, ending] : kept) {
+            const auto file = file_for(folder, capture.name, ending.c_str());
+            if (threatened.contains(place_of(file))) {
+                throw std::runtime_error("a file of " + text_of(capture.file) + " would replace " +
+                                         text_of(file));
+            }
+        }
+    }
+}
+
 class each_run {
   public:
     each_run(const options& wanted, std::vector<listed_capture> captures)
@@ -77,7 +131,7 @@ class each_run {
 
     exit_status run() {
         PLATFORM::note_all_interruptions();
-        run_fleet(
+        const auto failure = run_fleet(
             {.captures = captures_.size(),
              .jobs = jobs_of(wanted_),
              .run = [this](std::size_t capture, std::size_t job) { return run(capture, job); },
@@ -88,7 +142,11 @@ class each_run {
                  },
              .ended = [this](std::size_t capture) { count(capture); }});
         progress_.clear();
-        return report_.finish(captures_.size());
+        const auto status = report_.finish(captures_.size());
+        if (failure) {
+            std::rethrow_exception(failure);
+        }
+        return status;
     }
 
   private:
@@ -130,11 +188,11 @@ class each_run {
         const capture_files files{
             file,
             wanted_.summary.empty() ? scratch / "summary.json"
-                                    : file_for(wanted_.summary, name, ".summary.json"),
+                                    : file_for(wanted_.summary, name, summary_ending),
             wanted_.profile.empty() ? scratch / "profile.json"
-                                    : file_for(wanted_.profile, name, ".profile.json"),
+                                    : file_for(wanted_.profile, name, profile_ending),
             wanted_.report.empty() ? fs::path() : file_for(wanted_.report, name, page_ending)};
-        auto row = row_of_run(program_, files, PLATFORM::interrupted);
+        auto row = run_capture(program_, files, PLATFORM::interrupted);
         if (keep_whole_page(files.page) && row) {
             set_page(*row, generic_text_of(file_for({}, name, page_ending)));
         }
@@ -159,7 +217,7 @@ class each_run {
 }  // namespace
 
 capture_program program_for(const options& wanted) {
-    std::vector<std::string> arguments{"--quiet"};
+    std::vector<std::string> arguments{"--quiet", "--one-of-many"};
     if (wanted.profile.empty()) {
         arguments.emplace_back("--temporary-profile");
     }
@@ -185,17 +243,24 @@ std::size_t jobs_of(const options& wanted) {
 }
 
 exit_status replay_each(const options& wanted) {
-    auto captures = list_captures(wanted.captures, wanted.recursive);
+    auto least_status = all_went_through;
+    auto captures = list_captures(wanted.captures, wanted.recursive, [&](const std::string& why) {
+        print_error(why);
+        least_status = some_failed;
+    });
     if (!wanted.summary.empty() || !wanted.profile.empty() || !wanted.report.empty()) {
         refuse_same_names(captures);
     }
     if (!wanted.report.empty()) {
         refuse_page_of_overview(captures, overview_file(wanted));
     }
+    const std::vector<fs::path> outputs{wanted.output, wanted.table, overview_file(wanted)};
+    refuse_same_targets(outputs);
     for (const auto& capture : captures) {
-        refuse_to_overwrite(capture.file, {wanted.output, wanted.table, overview_file(wanted)});
+        refuse_to_overwrite(capture.file, outputs);
     }
-    return each_run(wanted, std::move(captures)).run();
+    refuse_replacing(wanted, captures);
+    return std::max(least_status, each_run(wanted, std::move(captures)).run());
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

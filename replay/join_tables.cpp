@@ -6,10 +6,12 @@
 #include <string>
 #include <system_error>
 #include <unordered_map>
+#include <vector>
 
 #include "platform/console/console.h"
 #include "replay/fleet/fleet_table.h"
 #include "replay/fleet_report.h"
+#include "replay/output.h"
 #include "replay/record/path_text.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -19,8 +21,10 @@ namespace {
 namespace fs = std::filesystem;
 
 void refuse_to_overwrite_tables(const options& wanted) {
+    const std::vector<fs::path> targets{wanted.output, wanted.table, overview_file(wanted)};
+    refuse_same_targets(targets);
     for (const auto& source : wanted.captures) {
-        for (const auto& target : {wanted.output, wanted.table, overview_file(wanted)}) {
+        for (const auto& target : targets) {
             std::error_code missing;
             if (fs::equivalent(source, target, missing)) {
                 throw std::runtime_error(text_of(target) + " is a table to read, not to write");

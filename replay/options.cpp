@@ -42,6 +42,7 @@ struct command_line {
     std::string tshark_directory;
     std::string profile;
     bool temporary_profile = false;
+    bool one_of_many = false;
     std::vector<std::string> user_link_types;
     std::vector<std::string> tshark_options;
     std::vector<std::string> captures;
@@ -104,6 +105,7 @@ void add_run_options(CLI::App& app, command_line& line) {
               "(default: kivra-profile.json)");
     // For the runs of --each: a group without a name is not in the help.
     app.add_flag("--temporary-profile", line.temporary_profile)->group("");
+    app.add_flag("--one-of-many", line.one_of_many)->group("");
 }
 
 void add_fleet_options(CLI::App& app, command_line& line) {
@@ -240,6 +242,7 @@ options options_of(const command_line& line) {
                    .profile = path_of(line.profile.empty() && !line.each ? "kivra-profile.json"
                                                                          : line.profile),
                    .temporary_profile = line.temporary_profile,
+                   .one_of_many = line.one_of_many,
                    .output = path_of(line.output),
                    .summary = path_of(line.summary),
                    .report = path_of(line.report),

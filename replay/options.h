@@ -22,6 +22,8 @@ struct options {
     std::filesystem::path profile;
     /// Whether the profile goes when the run has ended, so that reports do not name it.
     bool temporary_profile = false;
+    /// Whether this is the run of a capture that `each` has started.
+    bool one_of_many = false;
     /// Where the report goes; empty: the standard output.
     std::filesystem::path output;
     /// Where the summary goes as JSON; empty: nowhere.

@@ -1,5 +1,6 @@
 #include "replay/output.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <iostream>
@@ -20,9 +21,20 @@ std::string_view environment(const char* name) {
     return value == nullptr ? "" : value;
 }
 
+/// Whether they are, or would be once they are written.
+bool are_one_file(const std::filesystem::path& file, const std::filesystem::path& other) {
+    if (file.empty() || other.empty()) {
+        return false;
+    }
+    std::error_code missing;
+    return std::filesystem::equivalent(file, other, missing) ||
+           std::filesystem::weakly_canonical(std::filesystem::absolute(file)) ==
+               std::filesystem::weakly_canonical(std::filesystem::absolute(other));
+}
+
 }  // namespace
 
-output::output(const std::filesystem::path& file) {
+output::output(const std::filesystem::path& file) : path_(file) {
     if (file.empty()) {
         return;
     }
@@ -38,6 +50,15 @@ void refuse_to_overwrite(const std::filesystem::path& capture,
         std::error_code missing;
         if (std::filesystem::equivalent(capture, target, missing)) {
             throw std::runtime_error(text_of(target) + " is a capture to read, not to write");
+        }
+    }
+}
+
+void refuse_same_targets(const std::vector<std::filesystem::path>& targets) {
+    for (auto target = targets.begin(); target != targets.end(); ++target) {
+        if (std::any_of(targets.begin(), target,
+                        [&](const auto& other) { return are_one_file(other, *target); })) {
+            throw std::runtime_error("can't write two files to " + text_of(*target));
         }
     }
 }
@@ -66,7 +87,7 @@ void output::flush() {
     if (PLATFORM::tells_of_missing_reader(errno)) {
         throw reader_gone();
     }
-    throw write_error("the report", errno);
+    throw write_error(file_ ? text_of(path_) : "the report", errno);
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

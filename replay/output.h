@@ -22,6 +22,10 @@ class reader_gone : public std::runtime_error {
 void refuse_to_overwrite(const std::filesystem::path& capture,
                          const std::vector<std::filesystem::path>& targets);
 
+/// @param targets files to be written; empty ones don't count
+/// @throws std::runtime_error when two of them are one file
+void refuse_same_targets(const std::vector<std::filesystem::path>& targets);
+
 class output {
   public:
     /// @param file created or overwritten; empty for the standard output
@@ -41,6 +45,7 @@ class output {
     void flush();
 
   private:
+    std::filesystem::path path_;
     std::optional<std::ofstream> file_;
 };
 

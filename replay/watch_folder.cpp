@@ -115,7 +115,12 @@ class watch_run {
             print_error(watch_error(folder, reason).what());
         }
         for (const auto& file : news.files) {
-            if (known_.insert(text_of(file)).second) {
+            if (!known_.insert(text_of(file)).second) {
+                continue;
+            }
+            if (const auto obstacle = obstacle_to_naming(file)) {
+                print_error(*obstacle);
+            } else {
                 ++taken_;
                 queue.add(file);
             }
@@ -126,7 +131,7 @@ class watch_run {
     void run(const fs::path& capture, std::size_t job) {
         const fs::path scratch = scratch_.path() / std::to_string(job);
         const capture_files files{capture, scratch / "summary.json", scratch / "profile.json", {}};
-        const auto row = row_of_run(program_, files, PLATFORM::interrupted);
+        const auto row = run_capture(program_, files, PLATFORM::interrupted);
         if (!row) {
             return;
         }

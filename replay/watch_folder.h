@@ -10,8 +10,8 @@ namespace KIVRA::TSHARK::REPLAY {
 /// table says which are done, also to the next run.
 /// @param wanted with `watch`
 /// @return as `replay_each`
-/// @throws std::runtime_error when the run can't start, the folder goes away, or a row or summary
-///     can't be written; reader_gone
+/// @throws std::runtime_error when the run can't start or go on, the folder goes away, or a row or
+///     summary can't be written; reader_gone
 exit_status watch_folder(const options& wanted);
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -88,6 +88,8 @@ class batch:
         if ended.returncode not in (0, 1, 2) or not table.exists():
             return False
         rows = read_table(table)
+        if len(rows) < 2:
+            return False
         page = rows[0].index("page")
         if rows[1][page]:
             # Its place in the folder of all pages.

@@ -2,13 +2,16 @@
 
 #include <array>
 #include <chrono>
-#include <exception>
 #include <fstream>
+#include <stdexcept>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
+#include "platform/console/console.h"
 #include "platform/piped_process.h"
 #include "replay/record/path_text.h"
+#include "replay/record/write_error.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 
@@ -24,11 +27,26 @@ std::string first_complaint(std::string_view text) {
     return std::string(text.starts_with(name) ? text.substr(name.size()) : text);
 }
 
+/// Where a profile can't be written, the program does not say so.
 void make_place_for(const fs::path& file) {
-    if (file.has_parent_path()) {
+    try {
         fs::create_directories(file.parent_path());
+        fs::remove(file);
+    } catch (const fs::filesystem_error& error) {
+        throw write_error(text_of(file), error.code().value());
     }
-    fs::remove(file);
+    if (const auto obstacle = PLATFORM::write_obstacle(file.parent_path())) {
+        throw std::runtime_error("can't write " + text_of(file) + ": " + *obstacle);
+    }
+}
+
+PLATFORM::piped_process start(const fs::path& program, const std::vector<std::string>& arguments) {
+    try {
+        return {program, arguments, PLATFORM::error_text::kept};
+    } catch (const PLATFORM::process_not_started& error) {
+        throw std::runtime_error("can't start " + text_of(program) + ": " +
+                                 std::system_category().message(static_cast<int>(error.error())));
+    }
 }
 
 std::optional<json> read_summary(const fs::path& file) {
@@ -39,9 +57,8 @@ std::optional<json> read_summary(const fs::path& file) {
 
 }  // namespace
 
-std::optional<capture_result> run_capture(const capture_program& program,
-                                          const capture_files& files,
-                                          const std::function<bool()>& given_up) {
+std::optional<fleet_row> run_capture(const capture_program& program, const capture_files& files,
+                                     const std::function<bool()>& given_up) {
     make_place_for(files.summary);
     make_place_for(files.profile);
     auto arguments = program.arguments;
@@ -54,7 +71,7 @@ std::optional<capture_result> run_capture(const capture_program& program,
           text_of(files.profile), std::string("--"), text_of(files.capture)}) {
         arguments.push_back(argument);
     }
-    PLATFORM::piped_process process(program.file, arguments, PLATFORM::error_text::kept);
+    auto process = start(program.file, arguments);
     process.close_input();
     std::array<char, 4096> unread{};
     while (!process.exchange({}, unread, false).ended) {
@@ -68,23 +85,10 @@ std::optional<capture_result> run_capture(const capture_program& program,
         return std::nullopt;
     }
     result.error = first_complaint(process.printed_errors());
-    result.summary = read_summary(files.summary);
-    return result;
-}
-
-std::optional<fleet_row> row_of_run(const capture_program& program, const capture_files& files,
-                                    const std::function<bool()>& given_up) {
-    constexpr int not_started = 2;
-    capture_result result{.exit_status = not_started, .error = {}, .summary = {}};
-    try {
-        auto ended = run_capture(program, files, given_up);
-        if (!ended) {
-            return std::nullopt;
-        }
-        result = std::move(*ended);
-    } catch (const std::exception& error) {
-        result.error = error.what();
+    if (result.exit_status == status_of_obstacle) {
+        throw std::runtime_error(result.error);
     }
+    result.summary = read_summary(files.summary);
     return row_of(text_of(files.capture), result);
 }
 

@@ -27,18 +27,16 @@ struct capture_files {
     std::filesystem::path page;
 };
 
+/// The exit status of a program that could not begin, or not write its files, whatever the capture.
+constexpr int status_of_obstacle = 3;
+
 /// Runs the program with the capture and waits for it, and ends it when it is to be given up.
 /// @param given_up asked several times a second
-/// @return nothing when it was given up
-/// @throws PLATFORM::process_not_started; std::filesystem::filesystem_error when a folder for the
-///     files can't be made
-std::optional<capture_result> run_capture(const capture_program& program,
-                                          const capture_files& files,
-                                          const std::function<bool()>& given_up);
-
-/// The same, as the capture's row in a table. Where the program can't be run, the row says so.
-std::optional<fleet_row> row_of_run(const capture_program& program, const capture_files& files,
-                                    const std::function<bool()>& given_up);
+/// @return the capture's row in a table; nothing when it was given up
+/// @throws std::runtime_error when the program can't be started, could not begin, or can't write
+///     its files, which says nothing of the capture
+std::optional<fleet_row> run_capture(const capture_program& program, const capture_files& files,
+                                     const std::function<bool()>& given_up);
 
 /// "folder/lab/modem.pcapng.summary.json" for "lab/modem.pcapng".
 std::filesystem::path file_for(const std::filesystem::path& folder, std::filesystem::path name,

@@ -24,7 +24,7 @@ class fleet {
     fleet(const fleet&) = delete;
     fleet& operator=(const fleet&) = delete;
 
-    void run() {
+    std::exception_ptr run() {
         const auto jobs = std::min(work_.jobs, work_.captures);
         running_ = jobs;
         for (std::size_t job = 0; job < jobs; ++job) {
@@ -46,6 +46,7 @@ class fleet {
         for (const auto& [capture, row] : waiting_) {
             work_.take(capture, row);
         }
+        return failure_;
     }
 
   private:
@@ -59,9 +60,19 @@ class fleet {
         return next_ < work_.captures ? std::optional(next_++) : std::nullopt;
     }
 
+    std::optional<fleet_row> row_of(std::size_t capture, std::size_t job) {
+        try {
+            return work_.run(capture, job);
+        } catch (...) {
+            const std::scoped_lock lock(mutex_);
+            failure_ = failure_ ? failure_ : std::current_exception();
+            return std::nullopt;
+        }
+    }
+
     void work_through(std::size_t job) {
         while (const auto capture = next_capture()) {
-            auto row = work_.run(*capture, job);
+            auto row = row_of(*capture, job);
             if (!row) {
                 give_up();
                 break;
@@ -91,6 +102,7 @@ class fleet {
     std::size_t next_ = 0;
     std::size_t running_ = 0;
     std::vector<std::pair<std::size_t, fleet_row>> news_;
+    std::exception_ptr failure_;
     // The others belong to the thread that waits.
     std::map<std::size_t, fleet_row> waiting_;
     std::size_t taken_ = 0;
@@ -99,8 +111,8 @@ class fleet {
 
 }  // namespace
 
-void run_fleet(const fleet_work& work) {
-    fleet(work).run();
+std::exception_ptr run_fleet(const fleet_work& work) {
+    return fleet(work).run();
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

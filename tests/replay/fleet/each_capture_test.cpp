@@ -9,6 +9,7 @@
 
 #include "tests/replay/sample_captures.h"
 #include "tests/support/files.h"
+#include "tests/support/privileges_posix.h"
 #include "tests/support/process.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -103,6 +104,26 @@ TEST_F(each_capture, costs_only_itself_when_it_is_broken) {
     EXPECT_THAT(result.error, AllOf(HasSubstr("kivra-replay: can't read missing.pcap: "),
                                     HasSubstr("kivra-replay: can't read lab/cut.pcapng: "),
                                     HasSubstr("kivra-replay: can't read lab/junk.pcap: ")));
+}
+
+TEST_F(each_capture, is_left_out_where_a_table_can_not_name_it) {
+    fs::copy_file("lab/ltem_attach_psm.pcapng", "lab/a\xff.pcapng");
+    const auto result = run_each({"lab", "--table", "t.csv", "--report", "pages"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, StartsWith(std::string("lab/") + ltem_line));
+    EXPECT_EQ(result.error, "kivra-replay: lab/a\\xff.pcapng is left out: its name is not UTF-8\n");
+    EXPECT_THAT(read_file("t.csv"), Not(HasSubstr("\xff")));
+    EXPECT_THAT(names_in("pages"), ElementsAre("index.html", "ltem_attach_psm.pcapng.html"));
+}
+
+TEST_F(each_capture, in_a_folder_that_can_not_be_read_is_left_out) {
+    fs::permissions("tmp", fs::perms::all);
+    fs::permissions("lab/night", fs::perms::none);
+    const ordinary_user user;
+    const auto result = run_each({"lab", "--recursive"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, StartsWith(std::string("lab/") + ltem_line));
+    EXPECT_EQ(result.error, "kivra-replay: can't read lab/night: Permission denied\n");
 }
 
 TEST_F(each_capture, ends_with_2_when_none_can_be_read) {
@@ -242,6 +263,60 @@ TEST_F(each_capture, is_refused_where_its_page_would_be_the_overview) {
     EXPECT_FALSE(fs::exists("pages"));
 }
 
+TEST_F(each_capture, is_not_run_where_two_files_would_be_one) {
+    fs::create_directory("p");
+    for (const std::vector<std::string>& options :
+         {std::vector<std::string>{"--table", "o", "--output", "./tmp/../o"},
+          {"--table", "p/index.html", "--report", "p"},
+          {"--output", "p/index.html", "--report", "p"}}) {
+        auto arguments = options;
+        arguments.emplace_back("lab");
+        const auto result = run_each(arguments);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_THAT(result.error, StartsWith("kivra-replay: can't write two files to "));
+        EXPECT_FALSE(fs::exists("o"));
+        EXPECT_THAT(names_in("p"), IsEmpty());
+    }
+}
+
+TEST_F(each_capture, is_not_run_where_a_capture_s_file_would_replace_another_one) {
+    fs::create_directory_symlink("lab", "link");
+    const auto image = read_file("lab/ltem_attach_psm.pcapng");
+    for (const std::string ending : {".html", ".summary.json", ".profile.json"}) {
+        const auto second = "lab/ltem_attach_psm.pcapng" + ending;
+        write_file(second, image);
+        const auto result = run_each({"lab/ltem_attach_psm.pcapng", second, "--report", "link",
+                                      "--summary", "link", "--profile", "link"});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.error,
+                  "kivra-replay: a file of lab/ltem_attach_psm.pcapng would replace "
+                  "link/ltem_attach_psm.pcapng" +
+                      ending + "\n");
+        EXPECT_EQ(read_file(second), image);
+        fs::remove(second);
+    }
+}
+
+TEST_F(each_capture, is_not_run_where_its_file_would_replace_the_table_or_the_output) {
+    for (const std::string option : {"--table", "--output"}) {
+        const auto result =
+            run_each({"lab", "--summary", "s", option, "s/ltem_attach_psm.pcapng.summary.json"});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.error,
+                  "kivra-replay: a file of lab/ltem_attach_psm.pcapng would replace "
+                  "s/ltem_attach_psm.pcapng.summary.json\n");
+        EXPECT_FALSE(fs::exists("s"));
+    }
+}
+
+TEST_F(each_capture, is_told_of_with_the_file_that_can_not_be_written) {
+    for (const std::string option : {"--table", "--output"}) {
+        const auto result = run_each({"lab", option, "/dev/full"});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.error, "kivra-replay: can't write /dev/full: No space left on device\n");
+    }
+}
+
 TEST_F(each_capture, is_refused_where_two_would_have_one_page) {
     EXPECT_THAT(run_each({"lab", "lab", "--report", "pages"}).error,
                 HasSubstr("would have the same file"));
@@ -267,6 +342,68 @@ TEST_F(each_capture, is_not_run_without_a_tshark) {
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.output, "");
     EXPECT_EQ(std::ranges::count(result.error, '\n'), 1);
+}
+
+class obstacle_to_captures : public each_capture {
+  protected:
+    obstacle_to_captures() { fs::copy_file("lab/ltem_attach_psm.pcapng", "lab/second.pcapng"); }
+
+    /// Runs both, the second one after these commands.
+    static process_result run_after(const std::string& commands,
+                                    const std::vector<std::string>& options = {}) {
+        fs::create_directory("bin");
+        write_file("bin/tshark",
+                   "#!/bin/sh\n[ \"$1\" != --version ] || exec /usr/bin/tshark --version\n" +
+                       commands + "\nexec /usr/bin/tshark \"$@\"\n");
+        fs::permissions("bin/tshark", fs::perms::owner_all);
+        fs::copy_file(KIVRA_REPLAY, "replay");
+        std::vector<std::string> words{"./replay", "--each", "lab",      "--tshark-directory",
+                                       "bin",      "--jobs", "1",        "-q",
+                                       "--table",  "t.csv",  "--report", "pages"};
+        words.insert(words.end(), options.begin(), options.end());
+        return run_process(words);
+    }
+
+    static void expect_first_alone(const process_result& result, const std::string& why) {
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.error, "kivra-replay: " + why + "\n");
+        const auto table = read_file("t.csv");
+        EXPECT_THAT(table, HasSubstr("lab/ltem_attach_psm.pcapng,ok,"));
+        EXPECT_EQ(std::ranges::count(table, '\n'), 2);
+        EXPECT_THAT(read_file("pages/index.html"), EndsWith("</html>\n"));
+    }
+};
+
+TEST_F(obstacle_to_captures, ends_the_run_where_the_program_can_not_be_started) {
+    const auto result = run_after("chmod a-x replay");
+    expect_first_alone(result,
+                       "can't start " + fs::absolute("replay").string() + ": Permission denied");
+}
+
+TEST_F(obstacle_to_captures, ends_the_run_where_there_is_no_tshark_any_more) {
+    expect_first_alone(run_after("rm bin/tshark"),
+                       "tshark not found from path or default installation location");
+}
+
+TEST_F(obstacle_to_captures, ends_the_run_where_the_process_can_not_write) {
+    expect_first_alone(run_after("[ ! -e once ] || mkdir s/second.pcapng.summary.json; touch once",
+                                 {"--summary", "s"}),
+                       "can't write s/second.pcapng.summary.json: Is a directory");
+}
+
+TEST_F(obstacle_to_captures, ends_the_run_where_a_folder_can_not_be_made) {
+    write_file("p", "");
+    EXPECT_EQ(run_each({"lab", "--profile", "p"}).error,
+              "kivra-replay: can't write p/ltem_attach_psm.pcapng.profile.json: Not a directory\n");
+}
+
+TEST_F(obstacle_to_captures, ends_the_run_where_profiles_can_not_be_written) {
+    fs::create_directory("p");
+    fs::permissions("tmp", fs::perms::all);
+    const ordinary_user user;
+    EXPECT_EQ(run_each({"lab", "--profile", "p"}).error,
+              "kivra-replay: can't write p/ltem_attach_psm.pcapng.profile.json: "
+              "Permission denied\n");
 }
 
 TEST_F(each_capture, is_reported_when_an_interruption_ends_the_others) {

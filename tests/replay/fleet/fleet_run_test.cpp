@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <exception>
 #include <functional>
 #include <latch>
 #include <optional>
@@ -16,6 +17,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::ThrowsMessage;
 using testing::UnorderedElementsAre;
 
 struct taken_rows {
@@ -86,6 +88,21 @@ TEST(fleet_run, begins_nothing_more_once_one_is_given_up_and_takes_what_has_ende
                .ended = taken.end});
     EXPECT_EQ(begun, 3);
     EXPECT_THAT(taken.rows, ElementsAre("1"));
+}
+
+TEST(fleet_run, gives_up_where_a_run_throws_and_returns_what_it_threw) {
+    taken_rows taken;
+    const auto failure =
+        run_fleet({.captures = 3,
+                   .jobs = 1,
+                   .run = [](std::size_t capture, std::size_t) -> std::optional<fleet_row> {
+                       return capture == 1 ? throw std::runtime_error("full") : fleet_row{"x"};
+                   },
+                   .take = taken.take,
+                   .ended = taken.end});
+    EXPECT_THAT(taken.rows, ElementsAre("0x"));
+    EXPECT_THAT([&] { std::rethrow_exception(failure); },
+                ThrowsMessage<std::runtime_error>("full"));
 }
 
 TEST(fleet_run, passes_on_what_the_taker_throws) {

@@ -100,6 +100,15 @@ TEST_F(joined_tables, are_not_written_over_by_an_overview) {
     EXPECT_EQ(read_file("pages/index.html"), read_file("a.csv"));
 }
 
+TEST_F(joined_tables, are_not_joined_where_two_files_would_be_one) {
+    for (const std::string option : {"--table", "-o"}) {
+        const auto result = join({"a.csv", option, "pages/index.html", "--report", "pages"});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.error, "kivra-replay: can't write two files to pages/index.html\n");
+        EXPECT_FALSE(fs::exists("pages"));
+    }
+}
+
 TEST_F(joined_tables, may_have_a_capture_twice_that_one_run_had_twice) {
     write_file("twice.csv", table_of(row_for("3.pcap") + row_for("3.pcap")));
     EXPECT_THAT(join({"twice.csv"}).output, HasSubstr("ok                         2\n"));
@@ -137,7 +146,11 @@ TEST_F(joined_tables, are_refused_with_a_torn_line) {
 }
 
 TEST_F(joined_tables, are_refused_with_a_line_that_is_no_row) {
-    for (const std::string line : {"4.pcap,ok\r\n", "4.pcap\n"}) {
+    // The last one has all its cells, and the end of a line that is not this table's.
+    auto other_end = row_for("4.pcap");
+    other_end.erase(other_end.size() - 2, 1);
+    for (const std::string& line :
+         {std::string("4.pcap,ok\r\n"), std::string("4.pcap\n"), other_end}) {
         write_file("c.csv", table_of(row_for("3.pcap") + line + row_for("5.pcap")));
         expect_refused({"a.csv", "c.csv"}, "c.csv: row 2 is not one of this table");
     }

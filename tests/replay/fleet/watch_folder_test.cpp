@@ -203,6 +203,14 @@ TEST_F(watched_captures, do_not_come_in_folders_within_it_else) {
     EXPECT_EQ(run.line(), std::string("lab/b.pcapng") + is_ok);
 }
 
+TEST_F(watched_captures, that_a_table_can_not_name_are_left_out) {
+    put("lab/0\xff.pcapng");
+    auto run = watch();
+    EXPECT_EQ(run.line(), std::string("lab/a.pcapng") + is_ok);
+    EXPECT_EQ(read_file("errors"),
+              "kivra-replay: lab/0\\xff.pcapng is left out: its name is not UTF-8\n");
+}
+
 TEST_F(watched_captures, are_taken_once) {
     auto run = watch();
     EXPECT_EQ(run.line(), std::string("lab/a.pcapng") + is_ok);
@@ -277,6 +285,32 @@ TEST_F(watched_captures, that_go_away_before_they_are_run_have_no_row_until_they
               "kivra-replay: lab/b.pcapng is no longer there, and has no row\n");
     put("lab/b.pcapng");
     EXPECT_EQ(run.line(), std::string("lab/b.pcapng") + is_ok);
+}
+
+TEST_F(watched_captures, that_no_tshark_can_read_have_no_row_and_are_run_by_the_next_run) {
+    put("lab/b.pcapng");
+    write_tshark("rm bin/tshark");
+    auto run = watch({"--tshark-directory", "bin"});
+    EXPECT_EQ(run.line(), std::string("lab/a.pcapng") + is_ok);
+    EXPECT_EQ(run.wait(), 2);
+    EXPECT_EQ(read_file("errors"),
+              "kivra-replay: tshark not found from path or default installation location\n");
+    EXPECT_EQ(read_file("t.csv"), table_of({"lab/a.pcapng"}));
+    auto next = watch();
+    EXPECT_EQ(next.line(), std::string("lab/b.pcapng") + is_ok);
+}
+
+TEST_F(watched_captures, without_a_program_to_run_them_have_no_row) {
+    put("lab/b.pcapng");
+    write_tshark("chmod a-x replay");
+    fs::copy_file(KIVRA_REPLAY, "replay");
+    auto words = command({"--tshark-directory", "bin"});
+    std::ranges::replace(words, KIVRA_REPLAY, "./replay");
+    const auto result = run_process(words);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.error, "kivra-replay: can't start " + fs::absolute("replay").string() +
+                                ": Permission denied\n");
+    EXPECT_EQ(read_file("t.csv"), table_of({"lab/a.pcapng"}));
 }
 
 TEST_F(watched_captures, have_the_summaries_of_runs_of_their_own) {
