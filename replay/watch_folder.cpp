@@ -88,7 +88,7 @@ class watch_run {
         });
         take(first_news_, queue);
         bool is_gone = first_news_.is_gone;
-        while (!is_gone && !PLATFORM::interrupted() && !queue.has_failed()) {
+        while (!is_gone && !PLATFORM::interrupted() && !queue.has_ended()) {
             const auto news = watch_.next(std::chrono::milliseconds(100));
             take(news, queue);
             is_gone = news.is_gone;

@@ -20,9 +20,9 @@ void capture_queue::add(std::filesystem::path capture) {
     changed_.notify_one();
 }
 
-bool capture_queue::has_failed() const {
+bool capture_queue::has_ended() const {
     const std::scoped_lock lock(mutex_);
-    return failure_ != nullptr;
+    return has_ended_;
 }
 
 void capture_queue::end() {

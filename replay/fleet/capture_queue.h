@@ -30,8 +30,8 @@ class capture_queue {
     /// Runs it as soon as a thread has nothing else to do; those that come first are run first.
     void add(std::filesystem::path capture);
 
-    /// Whether a run has thrown.
-    bool has_failed() const;
+    /// Whether nothing more is begun, since a run has thrown or the end was asked for.
+    bool has_ended() const;
 
     /// Begins nothing more and waits for what has begun.
     /// @throws what the first run threw that did
