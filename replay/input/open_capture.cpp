@@ -21,10 +21,10 @@ std::unique_ptr<capture> open_capture(const std::filesystem::path& file,
         if (!is_standard_input && source.stream->is_regular_file()) {
             source.file = file;
         }
-        const bool is_direct = options.tshark_options.empty() && holds_records(source);
-        source.stream->rewind();
-        if (is_direct) {
-            return open_records(std::move(source));
+        if (options.tshark_options.empty()) {
+            if (auto records = open_records(source)) {
+                return records;
+            }
         }
         return std::make_unique<extracted_capture>(std::move(source));
     } catch (const std::system_error& error) {

@@ -30,13 +30,15 @@ std::optional<trace_record> printed_capture::next() {
     return record_of(*type, current_.timestamp, current_.bytes, current_.original_size);
 }
 
-bool packets_are_records(const capture_source& source) {
+std::optional<bool> packets_are_records(const capture_source& source) {
     extracting_tshark tshark(source, extraction_depth::frames);
     packet_verdict verdict;
+    bool has_packets = false;
     const bool is_file = !source.file.empty();
     try {
         std::string text;
         while (tshark.read(text) != extraction_state::ended) {
+            has_packets = true;
             const auto frame = read_frame(text);
             const auto* const type = link_type_of_encapsulation(frame.encapsulation);
             if (type == nullptr || (!is_exported_pdu(*type) && !is_file)) {
@@ -50,7 +52,7 @@ bool packets_are_records(const capture_source& source) {
     } catch (const std::runtime_error&) {
         // Who reads the records says so.
     }
-    return verdict.are_records();
+    return has_packets ? std::optional(verdict.are_records()) : std::nullopt;
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -1,5 +1,5 @@
 /// Captures whose packets are records as they stand, printed by tshark byte by byte: for systems
-/// without libpcap.
+/// without libpcap, and for files that it can't open, such as compressed ones.
 #pragma once
 
 #include <optional>
@@ -28,8 +28,9 @@ class printed_capture final : public capture {
     std::uint64_t packets_ = 0;
 };
 
-/// `holds_records` by what tshark prints.
+/// Whether the packets are records as they stand, by what tshark prints of them; nothing where it
+/// prints none.
 /// @throws capture_error when tshark can't be started
-bool packets_are_records(const capture_source& source);
+std::optional<bool> packets_are_records(const capture_source& source);
 
 }  // namespace KIVRA::TSHARK::REPLAY

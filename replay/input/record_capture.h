@@ -9,16 +9,14 @@
 
 namespace KIVRA::TSHARK::REPLAY {
 
-/// Whether the packets are records as they stand, see `packet_verdict`. A file is read to its end,
-/// so that nothing in it can be overlooked; of a pipe the first packet decides, and raw IP from a
-/// pipe may carry anything.
+/// Opens a capture whose packets are records as they stand, see `packet_verdict`. A file is read to
+/// its end, so that nothing in it can be overlooked; of a pipe the first packet decides, and raw IP
+/// from a pipe may carry anything, and so may what libpcap can't open.
 ///
 /// Stays silent about captures that break off: who reads the records says so.
-/// @param source where nothing was read before; its stream must be rewound afterwards
+/// @param source where nothing was read before; it is taken, or rewound
+/// @return null for a capture of another kind
 /// @throws std::system_error, capture_error, and what the stream's callback throws
-bool holds_records(const capture_source& source);
-
-/// @throws capture_error when the capture can't be read
-std::unique_ptr<capture> open_records(capture_source source);
+std::unique_ptr<capture> open_records(capture_source& source);
 
 }  // namespace KIVRA::TSHARK::REPLAY

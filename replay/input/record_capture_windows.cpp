@@ -6,12 +6,10 @@
 
 namespace KIVRA::TSHARK::REPLAY {
 
-bool holds_records(const capture_source& source) {
-    return packets_are_records(source);
-}
-
-std::unique_ptr<capture> open_records(capture_source source) {
-    return std::make_unique<printed_capture>(std::move(source));
+std::unique_ptr<capture> open_records(capture_source& source) {
+    const bool are_records = packets_are_records(source).value_or(true);
+    source.stream->rewind();
+    return are_records ? std::make_unique<printed_capture>(std::move(source)) : nullptr;
 }
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -117,7 +117,9 @@ def message_captures():
         return exported([messages.information_transfer(attach_accept),
                          attach_accept.later(seconds)])
 
-    yield "nas_in_rrc.pcapng", exported([messages.information_transfer(attach_accept)])
+    carrying = exported([messages.information_transfer(attach_accept)])
+    yield "nas_in_rrc.pcapng", carrying
+    yield "nas_in_rrc_compressed.pcapng.gz", compressed(carrying)
     yield "nas_in_rrc_again_at_once.pcapng", nas_in_rrc(0.2)
     yield "nas_in_rrc_again_later.pcapng", nas_in_rrc(1.5)
     yield "nas_in_rrc_again_before.pcapng", exported(

@@ -392,6 +392,8 @@ TEST_F(captures_by_tshark, leave_nas_inside_exported_pdus_in_its_record) {
                 ElementsAreArray({"lte_rrc.dl_dcch"}));
     EXPECT_THAT(formats_of("messages/nas_in_rrc_again_later.pcapng", {}),
                 ElementsAreArray({"lte_rrc.dl_dcch", "nas-eps"}));
+    EXPECT_THAT(formats_of("messages/nas_in_rrc_compressed.pcapng.gz", {}),
+                ElementsAreArray({"lte_rrc.dl_dcch"}));
 }
 
 TEST_F(captures_by_tshark, are_read_with_the_users_options_and_analysed_without) {

@@ -135,6 +135,10 @@ class replay_below_wine(unittest.TestCase):
                 self.replay("--json", "--summary", "summary.json", "capture")
                 self.assertIn("summary.json", files_in(self.folders[0]))
 
+    def test_compressed_exported_pdus(self):
+        self.copy("messages/nas_in_rrc_compressed.pcapng.gz")
+        self.assertEqual(self.replay("--json", "capture").stdout.count(b"\n"), 1)
+
     def test_raw_ip(self):
         router_advertisement = bytes.fromhex(
             "6000000000303aff fe800000000000000000000000000001 ff020000000000000000000000000001"
