@@ -43,6 +43,8 @@ def comparable(data, folder):
     text = data.decode("utf-8", "surrogateescape")
     text = text.replace(f"{WINE[1]}/dosdevices/z:", "").replace(TSHARK, NATIVE_TSHARK)
     text = text.replace(str(folder), "FOLDER")
+    # Where lines break depends on the folder's name.
+    text = re.sub(r"\nincomplete\n.*?\n\n", lambda lines: " ".join(lines[0].split()), text, flags=re.DOTALL)
     for reason, native_reason in REASONS.items():
         text = re.sub(f": {reason}$", f": {native_reason}", text, flags=re.MULTILINE)
     return re.sub(r"tshark processing took: \d+ms", "tshark processing took: 0ms", text)
