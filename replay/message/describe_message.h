@@ -11,7 +11,8 @@ namespace KIVRA::TSHARK::REPLAY {
 /// @param packet with "_source" and "layers"; whatever else it looks like, there is a description
 message_description describe_packet(const nlohmann::json& packet);
 
-/// Adds what the NAS message says that an RRC message carries, for where it is no record of its own.
+/// Adds what the NAS message says that an RRC message carries, for where it is no record of its
+/// own.
 /// @param packet as described
 void add_carried_nas(const nlohmann::json& packet, message_description& description);
 
