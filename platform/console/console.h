@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -57,6 +58,10 @@ void end_by_interrupt();
 
 /// Whether the file is a regular one that this process may execute.
 bool is_executable_file(const std::filesystem::path& file);
+
+/// When the file was last written, in the system's own smallest unit: to be compared, not read.
+/// Nothing when there is no such file.
+std::optional<std::int64_t> write_time(const std::filesystem::path& file);
 
 /// Why this process may not write the existing file, or make one in the existing folder: the
 /// system's reason; nothing when it may.

@@ -105,6 +105,12 @@ bool is_executable_file(const fs::path& file) {
     return fs::is_regular_file(file, unreachable) && access(file.c_str(), X_OK) == 0;
 }
 
+std::optional<std::int64_t> write_time(const fs::path& file) {
+    std::error_code missing;
+    const auto time = fs::last_write_time(file, missing);
+    return missing ? std::nullopt : std::optional(time.time_since_epoch().count());
+}
+
 std::optional<std::string> write_obstacle(const fs::path& file_or_folder) {
     std::error_code missing;
     const int mode = fs::is_directory(file_or_folder, missing) ? W_OK | X_OK : W_OK;

@@ -137,6 +137,17 @@ bool is_executable_file(const fs::path& file) {
     return fs::is_regular_file(file, unreachable);
 }
 
+/// GCC's library knows whole seconds only.
+std::optional<std::int64_t> write_time(const fs::path& file) {
+    WIN32_FILE_ATTRIBUTE_DATA entry{};
+    if (!GetFileAttributesExW(file.c_str(), GetFileExInfoStandard, &entry)) {
+        return std::nullopt;
+    }
+    const ULARGE_INTEGER time{
+        {entry.ftLastWriteTime.dwLowDateTime, entry.ftLastWriteTime.dwHighDateTime}};
+    return static_cast<std::int64_t>(time.QuadPart);
+}
+
 std::optional<std::string> write_obstacle(const fs::path& file_or_folder) {
     constexpr int may_write = 2;
     if (_waccess(file_or_folder.c_str(), may_write) == 0) {

@@ -15,22 +15,14 @@ namespace KIVRA::TSHARK::REPLAY {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-std::optional<fs::file_time_type> write_time(const fs::path& file) {
-    std::error_code missing;
-    const auto time = fs::last_write_time(file, missing);
-    return missing ? std::nullopt : std::optional(time);
-}
-
-}  // namespace
-
 profile_file::profile_file(fs::path path, bool temporary)
-    : path_(std::move(path)), temporary_(temporary), former_write_time_(write_time(path_)) {}
+    : path_(std::move(path)),
+      temporary_(temporary),
+      former_write_time_(PLATFORM::write_time(path_)) {}
 
 bool profile_file::written() const {
     std::error_code missing;
-    return fs::is_regular_file(path_, missing) && write_time(path_) != former_write_time_;
+    return fs::is_regular_file(path_, missing) && PLATFORM::write_time(path_) != former_write_time_;
 }
 
 std::optional<std::string> profile_file::obstacle() const {

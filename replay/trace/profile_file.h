@@ -1,6 +1,7 @@
 /// The power-profile parameter file of a run: whether the run wrote it, and what it says.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -38,7 +39,7 @@ class profile_file {
   private:
     std::filesystem::path path_;
     bool temporary_;
-    std::optional<std::filesystem::file_time_type> former_write_time_;
+    std::optional<std::int64_t> former_write_time_;
 };
 
 }  // namespace KIVRA::TSHARK::REPLAY

@@ -41,6 +41,16 @@ TEST_F(profile_files, are_written_when_an_older_one_changes) {
     EXPECT_TRUE(profile.written());
 }
 
+TEST_F(profile_files, are_written_within_a_second_of_an_older_one) {
+    write_older_file("profile.json");
+    const auto second =
+        std::chrono::floor<std::chrono::seconds>(fs::last_write_time("profile.json"));
+    fs::last_write_time("profile.json", second);
+    const profile_file profile("profile.json");
+    fs::last_write_time("profile.json", second + std::chrono::milliseconds(1));
+    EXPECT_TRUE(profile.written());
+}
+
 TEST_F(profile_files, are_not_written_when_they_are_no_files) {
     const profile_file profile("profile.json");
     fs::create_directory("profile.json");
