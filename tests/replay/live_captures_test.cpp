@@ -13,12 +13,6 @@ namespace {
 using namespace TESTING;
 using testing::HasSubstr;
 
-/// A bash script's start of kivra-replay between two pipes, of which it keeps the other ends: 8 to
-/// write packets, 9 to read lines.
-constexpr const char* start = "mkfifo input output\n" KIVRA_REPLAY
-                              " --json - $OPTIONS <input >output 2>errors &\n"
-                              "exec 8>input 9<output\n";
-
 class live_captures : public scratch_test {
   protected:
     static constexpr const char* gsmtap = "nbiot_attach/gsmtap_ethernet.pcap";
@@ -36,19 +30,29 @@ class live_captures : public scratch_test {
         write_file("whole.pcap", whole);
     }
 
-    /// The writer sends a packet only after it has read the line of the one before.
-    static process_result send_one_by_one(const std::string& options = "") {
+    /// Runs a bash script beside kivra-replay, between two pipes of which it has the other ends: 8
+    /// to write packets, 9 to read lines.
+    static process_result run_beside(const std::string& script,
+                                     const std::string& options = "--json") {
         return run_process({"/bin/bash", "-c",
-                            "OPTIONS='" + options + "'\n" + start +
-                                "cat head >&8\n"
-                                "for ((i = 1; ; ++i)); do\n"
-                                "    [ -e piece$i ] || break\n"
-                                "    cat piece$i >&8\n"
-                                "    read -r line <&9\n"
-                                "    echo \"$line\"\n"
-                                "done\n"
-                                "exec 8>&-\n"
-                                "wait $!\n"});
+                            "mkfifo input output\n" KIVRA_REPLAY " " + options +
+                                " - <input >output 2>errors &\n"
+                                "exec 8>input 9<output\n" +
+                                script});
+    }
+
+    /// The writer sends a packet only after it has read the line of the one before.
+    static process_result send_one_by_one() {
+        return run_beside(
+            "cat head >&8\n"
+            "for ((i = 1; ; ++i)); do\n"
+            "    [ -e piece$i ] || break\n"
+            "    cat piece$i >&8\n"
+            "    read -r line <&9\n"
+            "    echo \"$line\"\n"
+            "done\n"
+            "exec 8>&-\n"
+            "wait $!\n");
     }
 };
 
@@ -77,13 +81,13 @@ TEST_F(live_captures, of_raw_ip_show_router_advertisements) {
 
 TEST_F(live_captures, show_nas_inside_rrc_when_nothing_more_comes) {
     write_pieces(gsmtap, {4});
-    const auto result = run_process({"/bin/bash", "-c",
-                                     std::string(start) + "cat head piece1 >&8\n"
-                                                          "read -r first <&9\n"
-                                                          "read -r second <&9\n"
-                                                          "printf '%s\\n' \"$first\" \"$second\"\n"
-                                                          "exec 8>&-\n"
-                                                          "wait $!\n"});
+    const auto result = run_beside(
+        "cat head piece1 >&8\n"
+        "read -r first <&9\n"
+        "read -r second <&9\n"
+        "printf '%s\\n' \"$first\" \"$second\"\n"
+        "exec 8>&-\n"
+        "wait $!\n");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.output, run_replay({"--json", "whole.pcap"}).output);
     EXPECT_EQ(read_file("errors"), "2 records, 0 failed\n");
@@ -94,24 +98,24 @@ TEST_F(live_captures, show_what_has_come_when_a_packet_comes_in_pieces) {
     const auto second = read_file("piece2");
     write_file("begin", read_file("piece1") + second.substr(0, second.size() - 20));
     write_file("end", second.substr(second.size() - 20));
-    const auto result = run_process({"/bin/bash", "-c",
-                                     std::string(start) + "cat head begin >&8\n"
-                                                          "read -r line <&9; echo \"$line\"\n"
-                                                          "cat end >&8\n"
-                                                          "read -r line <&9; echo \"$line\"\n"
-                                                          "exec 8>&-\n"
-                                                          "wait $!\n"});
+    const auto result = run_beside(
+        "cat head begin >&8\n"
+        "read -r line <&9; echo \"$line\"\n"
+        "cat end >&8\n"
+        "read -r line <&9; echo \"$line\"\n"
+        "exec 8>&-\n"
+        "wait $!\n");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.output, run_replay({"--json", "whole.pcap"}).output);
 }
 
 TEST_F(live_captures, end_by_an_interruption_while_they_wait) {
     write_pieces(gsmtap, {1});
-    const auto result = run_process({"/bin/bash", "-c",
-                                     std::string(start) + "cat head piece1 >&8\n"
-                                                          "read -r first <&9\n"
-                                                          "kill -INT $!\n"
-                                                          "wait $!\n"});
+    const auto result = run_beside(
+        "cat head piece1 >&8\n"
+        "read -r first <&9\n"
+        "kill -INT $!\n"
+        "wait $!\n");
     EXPECT_EQ(result.status, 130);
     EXPECT_EQ(read_file("errors"), "1 record, 0 failed\n");
 }
@@ -130,13 +134,13 @@ TEST_F(live_captures, report_what_waits_behind_nas_inside_rrc_when_interrupted) 
     }
     write_file("packets", packets);
     write_file("whole.pcap", read_file("head") + packets);
-    const auto result = run_process({"/bin/bash", "-c",
-                                     std::string(start) + "cat head packets >&8\n"
-                                                          "read -r first <&9\n"
-                                                          "kill -INT $!\n"
-                                                          "echo \"$first\"\n"
-                                                          "cat <&9\n"
-                                                          "wait $!\n"});
+    const auto result = run_beside(
+        "cat head packets >&8\n"
+        "read -r first <&9\n"
+        "kill -INT $!\n"
+        "echo \"$first\"\n"
+        "cat <&9\n"
+        "wait $!\n");
     EXPECT_EQ(result.status, 130);
     EXPECT_EQ(result.output, run_replay({"--json", "whole.pcap"}).output);
     EXPECT_EQ(read_file("errors"), "6 records, 0 failed\n");
@@ -144,15 +148,15 @@ TEST_F(live_captures, report_what_waits_behind_nas_inside_rrc_when_interrupted) 
 
 TEST_F(live_captures, take_nothing_more_from_the_pipe_when_interrupted) {
     write_pieces(gsmtap, {1, 2});
-    const auto result = run_process({"/bin/bash", "-c",
-                                     std::string(start) + "cat head piece1 >&8\n"
-                                                          "read -r first <&9\n"
-                                                          "kill -INT $!\n"
-                                                          "exec 7<input\n"
-                                                          "cat piece2 >&8\n"
-                                                          "wait $!\n"
-                                                          "exec 8>&-\n"
-                                                          "cat <&7 >left\n"});
+    const auto result = run_beside(
+        "cat head piece1 >&8\n"
+        "read -r first <&9\n"
+        "kill -INT $!\n"
+        "exec 7<input\n"
+        "cat piece2 >&8\n"
+        "wait $!\n"
+        "exec 8>&-\n"
+        "cat <&7 >left\n");
     EXPECT_EQ(read_file("left"), read_file("piece2"));
     EXPECT_EQ(read_file("errors"), "1 record, 0 failed\n");
 }
@@ -164,11 +168,9 @@ TEST_F(live_captures, end_by_an_interruption_before_the_first_packet) {
             std::filesystem::remove("input");
             std::filesystem::remove("output");
             write_file("begin", image.substr(0, size));
-            const auto result =
-                run_process({"/bin/bash", "-c",
-                             std::string(start) + "cat begin >&8\n" + wait_for_handler +
-                                 "kill -INT $!\n"
-                                 "wait $!\n"});
+            const auto result = run_beside(std::string("cat begin >&8\n") + wait_for_handler +
+                                           "kill -INT $!\n"
+                                           "wait $!\n");
             EXPECT_EQ(result.status, 130) << capture << ' ' << size;
             EXPECT_EQ(read_file("errors"), "0 records, 0 failed\n") << capture << ' ' << size;
         }
@@ -177,15 +179,13 @@ TEST_F(live_captures, end_by_an_interruption_before_the_first_packet) {
 
 TEST_F(live_captures, give_their_profile_when_interrupted) {
     write_pieces(gsmtap, {1});
-    const auto result =
-        run_process({"/bin/bash", "-c",
-                     "mkfifo input output\n" KIVRA_REPLAY " - <input >output 2>errors &\n"
-                     "exec 8>input 9<output\n"
-                     "cat head piece1 >&8\n"
-                     "until [[ $line == *idrx_int* ]]; do read -r line <&9; done\n"
-                     "kill -INT $!\n"
-                     "cat <&9\n"
-                     "wait $!\n"});
+    const auto result = run_beside(
+        "cat head piece1 >&8\n"
+        "until [[ $line == *idrx_int* ]]; do read -r line <&9; done\n"
+        "kill -INT $!\n"
+        "cat <&9\n"
+        "wait $!\n",
+        "");
     EXPECT_EQ(result.status, 130);
     EXPECT_THAT(result.output, HasSubstr("\nprofile kivra-profile.json\n    idrx_int "));
     EXPECT_EQ(read_file("errors"), "1 record, 0 failed\n");
