@@ -30,8 +30,7 @@ struct listed_capture {
 /// name are taken whatever they are, of a folder those with a capture's name.
 /// @param recursive whether to look into folders within folders
 /// @param leave_out told of each folder within a folder that can't be read, and of each capture
-/// that
-///     a table can't name
+///     that a table can't name
 /// @throws std::runtime_error for a folder without captures, or one that can't be read
 std::vector<listed_capture> list_captures(
     const std::vector<std::filesystem::path>& places, bool recursive,

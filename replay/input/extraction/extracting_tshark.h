@@ -27,9 +27,8 @@ class extracting_tshark {
     /// Reads on to the next packet, the end of the capture, or until nothing has come for the given
     /// time, if any, and the stream gives nothing either.
     /// @param packet the text that tshark prints for a capture with this packet alone
-    /// @throws capture_error when tshark fails, with what it says, and when a file is being read
-    /// and
-    ///     the run is interrupted
+    /// @throws capture_error when tshark fails, with what it says, and when the run is interrupted
+    ///     while a file is being read
     extraction_state read(std::string& packet,
                           std::optional<std::chrono::milliseconds> patience = std::nullopt);
 
