@@ -96,6 +96,15 @@ TEST_F(unreadable_captures, that_are_cut_short_give_their_records_up_to_there) {
     }
 }
 
+TEST_F(unreadable_captures, are_complained_of_behind_their_records) {
+    const auto result = run_process(
+        {"/bin/bash", "-c",
+         KIVRA_REPLAY " --json " + sample_capture("broken/cut.pcap").string() + " 2>&1"});
+    EXPECT_THAT(result.output, StartsWith(R"({"number":1,)"));
+    EXPECT_THAT(result.output, EndsWith(" cut short in the middle of a packet.\n"
+                                        "21 records, 0 failed\n"));
+}
+
 TEST_F(unreadable_captures, that_are_cut_short_give_what_still_waits_for_the_next_packet) {
     // The last whole message has a NAS message in it.
     const auto pieces =

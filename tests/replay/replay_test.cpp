@@ -458,6 +458,7 @@ TEST_F(kivra_replay, refuses_to_write_over_a_capture) {
                    "./c.pcapng is a capture to read, not to write");
     expect_refusal(run({"c.pcapng", "--profile", scratch() / "c.pcapng"}), "not to write");
     expect_refusal(run({"c.pcapng", "--report", "c.pcapng"}), "not to write");
+    expect_refusal(run({"c.pcapng", "--summary", "c.pcapng"}), "not to write");
     EXPECT_EQ(read_file("c.pcapng"), image);
 }
 
@@ -537,6 +538,16 @@ TEST_F(kivra_replay, reports_what_it_has_read_when_interrupted) {
                                      HasSubstr("\nincomplete\n    interrupted\n\n"),
                                      HasSubstr("\nprofile kivra-profile.json\n    idrx_int ")));
     EXPECT_THAT(names_in("."), ElementsAre("bin", "c.pcapng", "group", "kivra-profile.json"));
+}
+
+TEST_F(kivra_replay, cancels_the_plugin_when_interrupted) {
+    write_tshark("bin", interrupting_tshark);
+    write_capture("c.pcapng", {system_information("nbiot_attach.pcapng")});
+    const auto result =
+        run_in_group("c.pcapng --tshark-directory bin --plugin " KIVRA_RECORDING_PLUGIN);
+    EXPECT_EQ(result.status, ended_by_sigint);
+    EXPECT_THAT(read_file("calls"), EndsWith("\ncancel\nrelease\n"));
+    EXPECT_THAT(read_file("calls"), Not(HasSubstr("complete")));
 }
 
 TEST_F(kivra_replay, stops_the_loop_of_a_shell_when_interrupted) {
