@@ -15,6 +15,7 @@
 
 #include "tests/replay/capture_image.h"
 #include "tests/support/files.h"
+#include "tests/support/process.h"
 
 namespace KIVRA::TSHARK::REPLAY {
 namespace {
@@ -54,6 +55,16 @@ class record_captures : public scratch_test {
     static bool file_holds_records(const std::string& image) {
         write_file("capture", image);
         auto source = source_of("capture");
+        return open_records(source) != nullptr;
+    }
+
+    /// By what tshark prints of it.
+    static bool compressed_file_holds_records(const std::string& image) {
+        write_file("capture", image);
+        EXPECT_EQ(run_process({"/bin/gzip", "--force", "capture"}).status, 0);
+        auto source = source_of("capture.gz");
+        source.file = std::filesystem::absolute("capture.gz");
+        source.tshark = "/usr/bin/tshark";
         return open_records(source) != nullptr;
     }
 
@@ -109,6 +120,19 @@ TEST_F(record_captures, find_none_in_raw_ip_with_signalling) {
     EXPECT_FALSE(file_holds_records(
         capture_image(raw_ip_link_type, {{router_advertisement()}, {ipv4(tcp)}, {ipv4(sctp)}})));
     EXPECT_FALSE(file_holds_records(capture_image(raw_ip_link_type, {{ipv4(sctp)}, {ipv4(tcp)}})));
+}
+
+TEST_F(record_captures, find_records_in_compressed_exported_pdus_of_lte) {
+    EXPECT_TRUE(compressed_file_holds_records(exported({nas, rrc})));
+    EXPECT_TRUE(compressed_file_holds_records(exported({foreign, other_spelling})));
+}
+
+TEST_F(record_captures, find_none_in_compressed_captures_of_other_packets) {
+    EXPECT_FALSE(compressed_file_holds_records(exported({foreign})));
+    EXPECT_FALSE(compressed_file_holds_records(exported({nas, by_port})));
+    EXPECT_FALSE(compressed_file_holds_records(
+        capture_image(raw_ip_link_type, {{ipv4(sctp)}, {ipv4(tcp)}})));
+    EXPECT_FALSE(compressed_file_holds_records(capture_image(1, {nas})));
 }
 
 TEST_F(record_captures, find_none_in_other_link_types) {
