@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "context/file_status.h"
+#include "context/sink_context.h"
 #include "context/unique_path.h"
 #include "tests/support/files.h"
 
@@ -22,6 +23,11 @@ const std::string impossible_name(5000, 'x');
 TEST_F(file_status_on_posix, names_the_query_that_failed) {
     EXPECT_THAT([] { entry_exists(impossible_name); },
                 ThrowsMessage<fs::filesystem_error>(HasSubstr("exists")));
+}
+
+TEST_F(file_status_on_posix, that_can_not_be_told_does_not_stop_a_release) {
+    ASSERT_THROW(entry_exists(impossible_name), fs::filesystem_error);
+    const sink_context context(nullptr, nullptr, "t", impossible_name, "");
 }
 
 TEST_F(file_status_on_posix, names_the_working_directory_that_is_gone) {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "context/file_status.h"
+#include "context/sink_context.h"
 #include "tests/support/files.h"
 
 namespace KIVRA::TSHARK {
@@ -23,6 +24,11 @@ const std::string no_device = R"(\\?\x)";
 TEST_F(file_status_on_windows, names_the_query_that_failed) {
     EXPECT_THAT([] { entry_exists(no_device); },
                 ThrowsMessage<fs::filesystem_error>(HasSubstr("exists")));
+}
+
+TEST_F(file_status_on_windows, that_can_not_be_told_does_not_stop_a_release) {
+    ASSERT_THROW(entry_exists(no_device), fs::filesystem_error);
+    const sink_context context(nullptr, nullptr, "t", no_device, "");
 }
 
 TEST_F(file_status_on_windows, names_the_removal_of_what_could_not_be_queried) {
