@@ -186,6 +186,14 @@ TEST_F(result_mapping, refuses_a_timer_without_bitmask_and_leaves_the_result_as_
     }
 }
 
+TEST_F(result_mapping, writes_no_file_for_a_packet_that_fails_with_both_idrx_texts_known) {
+    EXPECT_ANY_THROW(carry(R"({"lte-rrc": {"idrx_reps": "4", "idrx_int": "5"},
+                               "nas-eps": {"gprs_timer_2_T3324_value": {}}})"));
+    EXPECT_TRUE(TESTING::names_in(".").empty());
+    EXPECT_EQ(context_.texts.idrx_reps, "4");
+    EXPECT_EQ(context_.texts.idrx_int, "5");
+}
+
 TEST_F(result_mapping, refuses_a_timer_that_is_no_object) {
     EXPECT_THAT([this] { carry(R"({"nas-eps": {"gprs_timer_2_T3324_value": "00000101"}})"); },
                 ThrowsMessage<json::type_error>("[json.exception.type_error.305] cannot use "
