@@ -6,6 +6,7 @@
 
 #include "tests/replay/capture_image.h"
 #include "tests/replay/sample_captures.h"
+#include "tests/support/bytes.h"
 #include "tests/support/files.h"
 
 namespace KIVRA::TSHARK::REPLAY {
@@ -231,6 +232,21 @@ TEST_F(user_link_types, are_asked_for_behind_packets_of_others) {
     write_file("c.pcapng", capture_image(ethernet, {{std::string(60, '\0')}}) +
                                capture_image(149, {{std::string(60, '\0')}}));
     EXPECT_THAT(error_of({"c.pcapng"}), HasSubstr("--user-dlt 149=PROTOCOL"));
+}
+
+TEST_F(user_link_types, are_not_asked_for_where_they_were_given_and_messages_are_quoted_alone) {
+    // IPv4, an ICMP error, the IPv4, UDP and GSMTAP that it quotes, NAS.
+    const auto packet = bytes_of(
+        "4500004c00000000400100000000000000000000"
+        "0303000000000000"
+        "4500003000000000401100000000000000000000"
+        "12791279001c0000"
+        "02041200000000000000000000000000"
+        "0745090b");
+    write_file("c.pcapng", capture_image(149, {{packet}}));
+    EXPECT_EQ(error_of({"c.pcapng", "--user-dlt", "149=ip"}, 1),
+              "kivra-replay: c.pcapng: 1 packet: user_dlt 1, ip 1, icmp 1, gsmtap 1, nas-eps 1; no "
+              "LTE RRC or NAS\n0 records, 0 failed\n");
 }
 
 TEST_F(user_link_types, are_asked_for_in_a_pipe) {
