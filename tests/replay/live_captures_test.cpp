@@ -1,4 +1,5 @@
 // Captures that tshark reads from a pipe which stays open.
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@
 namespace KIVRA::TSHARK::REPLAY {
 namespace {
 
+namespace fs = std::filesystem;
 using namespace TESTING;
 using testing::HasSubstr;
 
@@ -146,6 +148,29 @@ TEST_F(live_captures, report_what_waits_behind_nas_inside_rrc_when_interrupted) 
     EXPECT_EQ(read_file("errors"), "6 records, 0 failed\n");
 }
 
+TEST_F(live_captures, report_what_tshark_has_not_printed_yet_when_interrupted) {
+    write_pieces(gsmtap, {1, 2, 3});
+    fs::create_directory("bin");
+    // What reads the capture prints nothing before the capture's end.
+    write_file("bin/tshark",
+               "#!/bin/sh\n"
+               "case \" $* \" in\n"
+               "*' -x '*) tee taken | /usr/bin/tshark \"$@\" >printed; cat printed ;;\n"
+               "*) exec /usr/bin/tshark \"$@\" ;;\n"
+               "esac\n");
+    fs::permissions("bin/tshark", fs::perms::owner_all);
+    const auto result = run_beside(
+        "cat whole.pcap >&8\n"
+        "until cmp -s taken whole.pcap; do :; done\n"
+        "kill -INT $!\n"
+        "cat <&9\n"
+        "wait $!\n",
+        "--json --tshark-directory bin");
+    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.output, run_replay({"--json", "whole.pcap"}).output);
+    EXPECT_EQ(read_file("errors"), "3 records, 0 failed\n");
+}
+
 TEST_F(live_captures, take_nothing_more_from_the_pipe_when_interrupted) {
     write_pieces(gsmtap, {1, 2});
     const auto result = run_beside(
@@ -165,8 +190,8 @@ TEST_F(live_captures, end_by_an_interruption_before_the_first_packet) {
     for (const auto* const capture : {gsmtap, "nbiot_attach/exported_pdu.pcapng"}) {
         const auto image = read_file(sample_capture(capture));
         for (const std::size_t size : {std::size_t{0}, std::size_t{10}, std::size_t{30}}) {
-            std::filesystem::remove("input");
-            std::filesystem::remove("output");
+            fs::remove("input");
+            fs::remove("output");
             write_file("begin", image.substr(0, size));
             const auto result = run_beside(std::string("cat begin >&8\n") + wait_for_handler +
                                            "kill -INT $!\n"
