@@ -360,11 +360,13 @@ TEST_F(kivra_replay, refuses_a_page_that_can_not_be_written) {
                    "can't write missing/page.html: No such file or directory");
 }
 
-TEST_F(kivra_replay, ends_with_an_error_where_a_page_finds_no_room) {
+TEST_F(kivra_replay, ends_with_an_error_where_a_page_or_a_summary_finds_no_room) {
     write_capture("c.pcapng", {ip_packet});
-    const auto result = run({"c.pcapng", "-q", "--report", "/dev/full"});
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.error, "kivra-replay: can't write /dev/full: No space left on device\n");
+    for (const std::string option : {"--report", "--summary"}) {
+        const auto result = run({"c.pcapng", "-q", option, "/dev/full"});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.error, "kivra-replay: can't write /dev/full: No space left on device\n");
+    }
 }
 
 TEST_F(kivra_replay, leaves_no_part_of_a_page_that_finds_no_room) {
