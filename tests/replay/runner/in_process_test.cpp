@@ -1,4 +1,7 @@
 // One tshark for all records, or one each: the outcome is the same.
+#include "replay/runner/in_process.h"
+
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -123,6 +126,18 @@ TEST_F(in_process_runs, start_no_tshark_where_no_record_needs_one) {
     write_capture("c.pcapng", {ip_packet, {exported_pdu_image("http", "GET"), 1}});
     EXPECT_EQ(run({"--tshark-directory", "bin", "c.pcapng"}).status, 0);
     EXPECT_FALSE(fs::exists("calls"));
+}
+
+TEST_F(in_process_runs, hand_out_at_once_what_waits_for_no_tshark) {
+    in_process runner("/usr/bin/tshark", "p.json");
+    const std::vector<std::uint8_t> payload{1, 2};
+    std::vector<std::string> formats;
+    for (const auto* const format : {"http", "nas-eps", "ip"}) {
+        runner.submit(
+            {.timestamp = 1, .format = format, .payload = payload},
+            [&](const trace_record& record, const outcome&) { formats.push_back(record.format); });
+    }
+    EXPECT_THAT(formats, ElementsAre("http"));
 }
 
 /// How often the text occurs; it is removed.
