@@ -289,6 +289,7 @@ TEST_F(setting_ends, come_with_the_drx_that_is_released) {
     }
     EXPECT_EQ(end_of("connected-mode DRX", configured), 0U);
     tell({of("long DRX cycle", configured)});
+    tell({of("T310", configured)});
     EXPECT_EQ(end_of("long DRX cycle", configured), 0U);
 }
 
