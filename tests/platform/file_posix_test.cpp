@@ -1,7 +1,7 @@
 #include <fcntl.h>
 #include <pthread.h>
-#include <sys/inotify.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -41,16 +41,13 @@ TEST_F(files_on_posix, leave_no_descriptor) {
 }
 
 TEST_F(files_on_posix, are_not_emptied_before_they_are_written) {
-    TESTING::write_file("file", "the former content");
-    const int watch = ::inotify_init1(IN_NONBLOCK);
-    ASSERT_NE(::inotify_add_watch(watch, "file", IN_MODIFY | IN_OPEN), -1);
-    write_file("file", "content");
-    inotify_event first{};
-    EXPECT_EQ(::read(watch, &first, sizeof(first)), static_cast<ssize_t>(sizeof(first)));
-    ::close(watch);
-    // What empties it as it opens has changed it before.
-    EXPECT_EQ(first.mask, IN_OPEN);
-    EXPECT_EQ(TESTING::read_file("file"), "content");
+    const int sealed = ::memfd_create("file", MFD_CLOEXEC | MFD_ALLOW_SEALING);
+    const std::string path = "/proc/self/fd/" + std::to_string(sealed);
+    write_file(path, "former");
+    ASSERT_EQ(::fcntl(sealed, F_ADD_SEALS, F_SEAL_SHRINK), 0);
+    write_file(path, "latter");
+    EXPECT_EQ(TESTING::read_file(path), "latter");
+    ::close(sealed);
 }
 
 TEST_F(files_on_posix, are_written_to_the_end_after_an_interruption) {

@@ -105,6 +105,32 @@ TEST(fleet_run, gives_up_where_a_run_throws_and_returns_what_it_threw) {
                 ThrowsMessage<std::runtime_error>("full"));
 }
 
+TEST(fleet_run, returns_the_first_of_what_its_runs_throw) {
+    struct end_of_thread {
+        std::latch* end;
+        ~end_of_thread() { end->count_down(); }
+    };
+    taken_rows taken;
+    std::latch both(2);
+    std::latch first_has_ended(1);
+    const auto failure =
+        run_fleet({.captures = 2,
+                   .jobs = 2,
+                   .run = [&](std::size_t capture, std::size_t) -> std::optional<fleet_row> {
+                       both.arrive_and_wait();
+                       if (capture == 0) {
+                           thread_local const end_of_thread end{&first_has_ended};
+                           throw std::runtime_error("first");
+                       }
+                       first_has_ended.wait();
+                       throw std::runtime_error("second");
+                   },
+                   .take = taken.take,
+                   .ended = taken.end});
+    EXPECT_THAT([&] { std::rethrow_exception(failure); },
+                ThrowsMessage<std::runtime_error>("first"));
+}
+
 TEST(fleet_run, passes_on_what_the_taker_throws) {
     EXPECT_THROW(
         run_fleet({.captures = 2,
