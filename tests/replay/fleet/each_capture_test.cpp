@@ -393,7 +393,7 @@ TEST_F(obstacle_to_captures, ends_the_run_where_the_process_can_not_write) {
 
 TEST_F(obstacle_to_captures, ends_the_run_where_a_folder_can_not_be_made) {
     write_file("p", "");
-    EXPECT_EQ(run_each({"lab", "--profile", "p"}).error,
+    EXPECT_EQ(run_each({"lab", "--jobs", "1", "--profile", "p"}).error,
               "kivra-replay: can't write p/ltem_attach_psm.pcapng.profile.json: Not a directory\n");
 }
 
@@ -401,7 +401,7 @@ TEST_F(obstacle_to_captures, ends_the_run_where_profiles_can_not_be_written) {
     fs::create_directory("p");
     fs::permissions("tmp", fs::perms::all);
     const ordinary_user user;
-    EXPECT_EQ(run_each({"lab", "--profile", "p"}).error,
+    EXPECT_EQ(run_each({"lab", "--jobs", "1", "--profile", "p"}).error,
               "kivra-replay: can't write p/ltem_attach_psm.pcapng.profile.json: "
               "Permission denied\n");
 }
