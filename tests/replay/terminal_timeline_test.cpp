@@ -69,6 +69,15 @@ TEST_F(timelines_of_characters, show_a_connection_that_goes_on) {
                 HasSubstr(line("connected", std::string(24, ' ') + std::string(24, '#'))));
 }
 
+TEST_F(timelines_of_characters, end_the_idle_time_with_the_first_of_several_requests) {
+    add(0, event::none);
+    add(12 * second + half, event::connection_end);
+    add(24 * second + half, event::connection_request);
+    add(36 * second + half, event::connection_request);
+    add(48 * second - 1, event::content);
+    EXPECT_THAT(printed(), HasSubstr(line("idle", std::string(12, ' ') + std::string(13, '-'))));
+}
+
 TEST_F(timelines_of_characters, leave_out_what_did_not_happen) {
     add(0, event::connection_request);
     add(second, event::connection_end);
