@@ -47,8 +47,8 @@ TEST(rrc_channels, are_found_by_the_member_of_their_element) {
 TEST(rrc_channels, are_not_found_by_other_members) {
     for (const auto* member :
          {"", "lte-rrc.", "_element", "lte-rrc._element", "PCCH_Message_element",
-          "lte-rrc.PCCH_Message", "lte-rrc.PCCH_Message_tree", "lte-rrc.PCCH_Message_element_raw",
-          "lte-rrc.Paging_element", "lte-rrc_element"}) {
+          "lte-rrc.PCCH_Message", "lte-rrc.PCCH_Message_tree", "lte-rrc.PCCH_Message:element",
+          "lte-rrc.PCCH_Message_element_raw", "lte-rrc.Paging_element", "lte-rrc_element"}) {
         EXPECT_EQ(channel_of_member(member), nullptr) << member;
     }
 }
