@@ -162,9 +162,7 @@ TEST_F(unreadable_captures, may_have_names_that_look_like_options) {
 }
 
 TEST_F(unreadable_captures, tell_that_tshark_ended_without_a_word) {
-    std::filesystem::create_directory("bin");
-    write_file("bin/tshark", "#!/bin/sh\necho 'Running as user \"root\".' >&2\nexit 7\n");
-    std::filesystem::permissions("bin/tshark", std::filesystem::perms::owner_all);
+    write_tshark("bin", "echo 'Running as user \"root\".' >&2\nexit 7\n");
     const std::string capture = sample_capture("nbiot_attach/gsmtap_ethernet.pcap");
     const auto result = run_replay({capture, "--tshark-directory", "bin"});
     EXPECT_EQ(result.status, 2);
@@ -173,9 +171,7 @@ TEST_F(unreadable_captures, tell_that_tshark_ended_without_a_word) {
 }
 
 TEST_F(unreadable_captures, tell_that_tshark_prints_what_is_no_packet) {
-    std::filesystem::create_directory("bin");
-    write_file("bin/tshark", "#!/bin/sh\necho 'no JSON'\n");
-    std::filesystem::permissions("bin/tshark", std::filesystem::perms::owner_all);
+    write_tshark("bin", "echo 'no JSON'\n");
     const std::string capture = sample_capture("nbiot_attach/gsmtap_ethernet.pcap");
     const auto result = run_replay({capture, "--tshark-directory", "bin"});
     EXPECT_EQ(result.status, 2);
@@ -185,9 +181,7 @@ TEST_F(unreadable_captures, tell_that_tshark_prints_what_is_no_packet) {
 }
 
 TEST_F(unreadable_captures, tell_that_a_packet_of_tshark_is_none) {
-    std::filesystem::create_directory("bin");
-    write_file("bin/tshark", "#!/bin/sh\necho '[{\"frame.number\": \"1\"}]'\n");
-    std::filesystem::permissions("bin/tshark", std::filesystem::perms::owner_all);
+    write_tshark("bin", "echo '[{\"frame.number\": \"1\"}]'\n");
     const std::string capture = sample_capture("nbiot_attach/gsmtap_ethernet.pcap");
     const auto result = run_replay({capture, "--tshark-directory", "bin"});
     EXPECT_EQ(result.status, 2);
@@ -275,9 +269,7 @@ TEST_F(user_link_types, are_refused_in_another_form) {
 }
 
 TEST_F(user_link_types, give_a_complaint_that_ends_as_lines_of_windows_do) {
-    std::filesystem::create_directory("bin");
-    write_file("bin/tshark", "#!/bin/sh\nprintf 'tshark: no.\\r\\nMore\\r\\n' >&2\nexit 2\n");
-    std::filesystem::permissions("bin/tshark", std::filesystem::perms::owner_all);
+    write_tshark("bin", "printf 'tshark: no.\\r\\nMore\\r\\n' >&2\nexit 2\n");
     const std::string file = sample_capture("ltem_attach_psm/mac_lte_149.pcap");
     EXPECT_EQ(error_of({file, "--tshark-directory", "bin"}),
               "kivra-replay: can't read " + file + ": no.\n0 records, 0 failed\n");

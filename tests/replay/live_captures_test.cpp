@@ -150,15 +150,12 @@ TEST_F(live_captures, report_what_waits_behind_nas_inside_rrc_when_interrupted) 
 
 TEST_F(live_captures, report_what_tshark_has_not_printed_yet_when_interrupted) {
     write_pieces(gsmtap, {1, 2, 3});
-    fs::create_directory("bin");
     // What reads the capture prints nothing before the capture's end.
-    write_file("bin/tshark",
-               "#!/bin/sh\n"
-               "case \" $* \" in\n"
-               "*' -x '*) tee taken | /usr/bin/tshark \"$@\" >printed; cat printed ;;\n"
-               "*) exec /usr/bin/tshark \"$@\" ;;\n"
-               "esac\n");
-    fs::permissions("bin/tshark", fs::perms::owner_all);
+    write_tshark("bin",
+                 "case \" $* \" in\n"
+                 "*' -x '*) tee taken | /usr/bin/tshark \"$@\" >printed; cat printed ;;\n"
+                 "*) exec /usr/bin/tshark \"$@\" ;;\n"
+                 "esac\n");
     const auto result = run_beside(
         "cat whole.pcap >&8\n"
         "until cmp -s taken whole.pcap; do :; done\n"

@@ -46,12 +46,6 @@ class kivra_replay : public scratch_test {
     }
 
     /// A folder with a shell script for a tshark.
-    static void write_tshark(const fs::path& directory, const std::string& script) {
-        fs::create_directories(directory);
-        write_file(directory / "tshark", "#!/bin/sh\n" + script);
-        fs::permissions(directory / "tshark", fs::perms::owner_all);
-    }
-
     static void expect_refusal(const process_result& result, const std::string& reason) {
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.output, "");

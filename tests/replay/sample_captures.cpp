@@ -46,10 +46,14 @@ std::vector<std::string> pieces_of_pcap(const std::string& image) {
     return pieces;
 }
 
+void write_tshark(const fs::path& directory, const std::string& script) {
+    fs::create_directories(directory);
+    write_file(directory / "tshark", "#!/bin/sh\n" + script);
+    fs::permissions(directory / "tshark", fs::perms::owner_all);
+}
+
 void write_noting_tshark() {
-    fs::create_directory("bin");
-    write_file("bin/tshark", "#!/bin/sh\necho \"$@\" >> calls\nexec /usr/bin/tshark \"$@\"\n");
-    fs::permissions("bin/tshark", fs::perms::owner_all);
+    write_tshark("bin", "echo \"$@\" >> calls\nexec /usr/bin/tshark \"$@\"\n");
 }
 
 }  // namespace KIVRA::TSHARK::TESTING

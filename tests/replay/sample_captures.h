@@ -21,6 +21,9 @@ std::vector<std::string> without_numbers(const std::string& lines);
 /// The packets of a pcap file, each with its head; the file's own head is the first.
 std::vector<std::string> pieces_of_pcap(const std::string& image);
 
+/// A folder with a tshark that is this script of the shell.
+void write_tshark(const std::filesystem::path& directory, const std::string& script);
+
 /// A folder "bin" with a tshark that notes the words of its command line, a line a start, in the
 /// file "calls" before it works as always.
 void write_noting_tshark();

@@ -241,13 +241,10 @@ TEST_F(each_capture, does_not_take_a_page_that_stood_there_before) {
 }
 
 TEST_F(each_capture, leaves_no_part_of_a_page_when_its_process_is_killed) {
-    fs::create_directory("bin");
-    write_file("bin/tshark",
-               "#!/bin/sh\n"
-               "if [ \"$1\" = --version ]; then exec /usr/bin/tshark --version; fi\n"
-               "ls pages > seen\n"
-               "kill -KILL $PPID\n");
-    fs::permissions("bin/tshark", fs::perms::owner_all);
+    write_tshark("bin",
+                 "if [ \"$1\" = --version ]; then exec /usr/bin/tshark --version; fi\n"
+                 "ls pages > seen\n"
+                 "kill -KILL $PPID\n");
     const auto result = run_each({"lab", "--report", "pages", "--tshark-directory", "bin"});
     EXPECT_THAT(result.output, StartsWith("lab/ltem_attach_psm.pcapng: crashed\n"));
     EXPECT_EQ(read_file("seen"), "index.html\nltem_attach_psm.pcapng.html\n");
@@ -351,11 +348,8 @@ class obstacle_to_captures : public each_capture {
     /// Runs both, the second one after these commands.
     static process_result run_after(const std::string& commands,
                                     const std::vector<std::string>& options = {}) {
-        fs::create_directory("bin");
-        write_file("bin/tshark",
-                   "#!/bin/sh\n[ \"$1\" != --version ] || exec /usr/bin/tshark --version\n" +
-                       commands + "\nexec /usr/bin/tshark \"$@\"\n");
-        fs::permissions("bin/tshark", fs::perms::owner_all);
+        write_tshark("bin", "[ \"$1\" != --version ] || exec /usr/bin/tshark --version\n" +
+                                commands + "\nexec /usr/bin/tshark \"$@\"\n");
         fs::copy_file(KIVRA_REPLAY, "replay");
         std::vector<std::string> words{"./replay", "--each", "lab",      "--tshark-directory",
                                        "bin",      "--jobs", "1",        "-q",
@@ -410,16 +404,13 @@ TEST_F(each_capture, is_reported_when_an_interruption_ends_the_others) {
     // The tshark for the second capture interrupts the run, and does not end before its input does.
     fs::copy("lab/night", "more");
     fs::rename("more/nbiot_attach.pcapng", "more/third.pcapng");
-    fs::create_directory("bin");
-    write_file("bin/tshark",
-               "#!/bin/sh\n"
-               "if [ \"$1\" = --version ]; then exec /usr/bin/tshark --version; fi\n"
-               "if [ -e interrupted ]; then exec cat >/dev/null; fi\n"
-               "if [ -e second ]; then touch interrupted; kill -INT \"$(cat run)\"; exec cat "
-               ">/dev/null; fi\n"
-               "touch second\n"
-               "exec /usr/bin/tshark \"$@\"\n");
-    fs::permissions("bin/tshark", fs::perms::owner_all);
+    write_tshark("bin",
+                 "if [ \"$1\" = --version ]; then exec /usr/bin/tshark --version; fi\n"
+                 "if [ -e interrupted ]; then exec cat >/dev/null; fi\n"
+                 "if [ -e second ]; then touch interrupted; kill -INT \"$(cat run)\"; exec cat "
+                 ">/dev/null; fi\n"
+                 "touch second\n"
+                 "exec /usr/bin/tshark \"$@\"\n");
     const auto result = run_process({"/bin/bash", "-c",
                                      "echo $$ > run; TMPDIR=tmp exec " KIVRA_REPLAY
                                      " --each --jobs 1 --tshark-directory bin --report pages"
@@ -436,13 +427,10 @@ TEST_F(each_capture, is_reported_when_an_interruption_ends_the_others) {
 
 /// Runs it with a tshark that sends it the signal until it has ended.
 process_result run_each_against(const std::string& signal) {
-    fs::create_directory("bin");
-    write_file("bin/tshark",
-               "#!/bin/sh\n"
-               "ps -o ppid= $$ >child\n"
-               "while kill -" +
-                   signal + " \"$(cat run)\" 2>/dev/null; do :; done\n");
-    fs::permissions("bin/tshark", fs::perms::owner_all);
+    write_tshark("bin",
+                 "ps -o ppid= $$ >child\n"
+                 "while kill -" +
+                     signal + " \"$(cat run)\" 2>/dev/null; do :; done\n");
     return run_process({"/bin/bash", "-c",
                         "echo $$ > run; TMPDIR=tmp exec " KIVRA_REPLAY
                         " --each --tshark-directory bin lab"});

@@ -144,9 +144,7 @@ class watched_captures : public scratch_test {
 
     /// A folder "bin" with a tshark that runs these commands before it works as always.
     static void write_tshark(const std::string& commands) {
-        fs::create_directory("bin");
-        write_file("bin/tshark", "#!/bin/sh\n" + commands + "\nexec /usr/bin/tshark \"$@\"\n");
-        fs::permissions("bin/tshark", fs::perms::owner_all);
+        TESTING::write_tshark("bin", commands + "\nexec /usr/bin/tshark \"$@\"\n");
     }
 };
 
